@@ -1,0 +1,327 @@
+#ifndef QM_DEFINE_H
+#define QM_DEFINE_H
+
+#include <stdarg.h>
+#include <stdbool.h>
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ---- shared constants ---- */
+
+#define ARM_DOF 7             /* joint slots of every joint array in the records */
+#define QM_MOVE_NBLOCK 0      /* return once the controller accepted a move */
+#define QM_MOVE_MULTI_BLOCK 1 /* wait for the move's arrival event */
+
+/* ---- enumerations ---- */
+
+typedef enum {
+    QM_SINGLE_MODE_E = 0, /* no thread: each command reads its own reply */
+    QM_DUAL_MODE_E = 1,   /* TCP receive thread */
+    QM_TRIPLE_MODE_E = 2, /* TCP receive thread and UDP realtime thread */
+} qm_thread_mode_e;
+
+typedef enum {
+    QM_MODEL_QM_65_E = 0,
+    QM_MODEL_QM_75_E = 1,
+    QM_MODEL_QM_63_I_E = 2,
+    QM_MODEL_QM_63_II_E = 3,
+    QM_MODEL_QM_63_III_E = 4,
+    QM_MODEL_LUX_65_E = 5,
+    QM_MODEL_LUX_62_E = 6,
+    QM_MODEL_TAV_72_E = 7,
+    QM_MODEL_LUX_63_E = 8,
+    QM_MODEL_UNIVERSAL_E = 9,
+} qm_robot_arm_model_e;
+
+typedef enum {
+    QM_MODEL_QM_B_E = 0,
+    QM_MODEL_QM_ZF_E = 1,
+    QM_MODEL_QM_SF_E = 2,
+    QM_MODEL_QM_ISF_E = 3,
+} qm_force_type_e;
+
+typedef enum {
+    QM_NONE_EVENT_E = 0,
+    QM_CURRENT_TRAJECTORY_STATE_E = 1,
+    QM_PROGRAM_RUN_FINISH_E = 2,
+} qm_event_type_e;
+
+typedef enum {
+    QM_NO_PLANNING_E = 0,
+    QM_JOINT_SPACE_PLANNING_E = 1,
+    QM_CARTESIAN_LINEAR_PLANNING_E = 2,
+    QM_CARTESIAN_ARC_PLANNING_E = 3,
+    QM_SPLINE_CURVE_MOTION_PLANNING_E = 4,
+    QM_TRAJECTORY_REPLAY_PLANNING_E = 5,
+} qm_arm_current_trajectory_e;
+
+typedef enum {
+    QM_IDLE_E = 0,
+    QM_MOVE_L_E = 1,
+    QM_MOVE_J_E = 2,
+    QM_MOVE_C_E = 3,
+    QM_MOVE_S_E = 4,
+    QM_MOVE_THROUGH_JOINT_E = 5,
+    QM_MOVE_THROUGH_POSE_E = 6,
+    QM_MOVE_THROUGH_FORCE_POSE_E = 7,
+    QM_MOVE_THROUGH_CURRENT_E = 8,
+    QM_STOP_E = 9,
+    QM_SLOW_STOP_E = 10,
+    QM_PAUSE_E = 11,
+    QM_CURRENT_DRAG_E = 12,
+    QM_SENSOR_DRAG_E = 13,
+    QM_TECH_DEMONSTRATION_E = 14,
+} qm_udp_arm_current_status_e;
+
+/* ---- logging ---- */
+
+typedef enum {
+    LOG_LEVEL_DEBUG = 0,
+    LOG_LEVEL_INFO = 1,
+    LOG_LEVEL_WARN = 2,
+    LOG_LEVEL_ERROR = 3,
+} LogLevel;
+
+/* A log sink: receives the printf-style format and its unformatted arguments. */
+typedef void (*LogCallback)(const char* format, va_list args);
+
+/* ---- shared records ---- */
+
+/* One arm connection; the library finds it by this record's address, never by id. */
+typedef struct {
+    int id; /* 1..5, or -1 when connecting or synchronising failed */
+} qm_robot_handle;
+
+typedef struct {
+    float x; /* metres */
+    float y;
+    float z;
+} qm_position_t;
+
+typedef struct {
+    float w;
+    float x;
+    float y;
+    float z;
+} qm_quat_t;
+
+typedef struct {
+    float rx; /* radians, fixed axes: R = Rz * Ry * Rx */
+    float ry;
+    float rz;
+} qm_euler_t;
+
+typedef struct {
+    qm_position_t position;
+    qm_quat_t quaternion;
+    qm_euler_t euler;
+} qm_pose_t;
+
+typedef struct {
+    char frame_name[12];
+    qm_pose_t pose;
+    float payload; /* kg */
+    float x;       /* centre of mass of the payload, metres */
+    float y;
+    float z;
+} qm_frame_t;
+
+typedef struct {
+    float d[8];
+    float a[8];
+    float alpha[8];
+    float offset[8];
+} qm_dh_t;
+
+typedef struct {
+    uint8_t err_len;
+    int err[24];
+} qm_err_t;
+
+typedef struct {
+    uint8_t arm_dof;
+    qm_robot_arm_model_e arm_model;
+    qm_force_type_e force_type;
+    uint8_t robot_controller_version; /* 3 or 4 */
+} qm_robot_info_t;
+
+typedef struct {
+    int handle_id;
+    qm_event_type_e event_type;
+    bool trajectory_state;
+    int device;
+    int trajectory_connect;
+    int program_id;
+} qm_event_push_data_t;
+
+typedef void (*qm_event_callback_ptr)(qm_event_push_data_t data);
+
+/* ---- realtime state push ---- */
+
+/* Optional push sections: 1 on, 0 off, -1 leave out / unknown. */
+typedef struct {
+    int joint_speed;
+    int lift_state;
+    int expand_state;
+    int hand_state;
+    int arm_current_status;
+    int aloha_state;
+    int plus_base;
+    int plus_state;
+} qm_udp_custom_config_t;
+
+typedef struct {
+    int cycle;
+    bool enable;
+    int port;
+    int force_coordinate; /* -1 when the arm has no force sensor */
+    char ip[28];
+    qm_udp_custom_config_t custom_config;
+} qm_realtime_push_config_t;
+
+typedef struct {
+    float joint_current[ARM_DOF];
+    bool joint_en_flag[ARM_DOF];
+    uint16_t joint_err_code[ARM_DOF];
+    float joint_position[ARM_DOF]; /* degrees */
+    float joint_temperature[ARM_DOF];
+    float joint_voltage[ARM_DOF];
+    float joint_speed[ARM_DOF];
+} qm_joint_status_t;
+
+typedef struct {
+    float force[6];
+    float zero_force[6];
+    int coordinate;
+} qm_force_sensor_t;
+
+typedef struct {
+    int height;
+    float pos;
+    int current;
+    int err_flag;
+    int en_flag;
+} qm_udp_lift_state_t;
+
+typedef struct {
+    float pos;
+    int current;
+    int err_flag;
+    int en_flag;
+    int joint_id;
+    int mode;
+} qm_udp_expand_state_t;
+
+typedef struct {
+    int hand_pos[6];
+    int hand_angle[6];
+    int hand_force[6];
+    int hand_state[6];
+    int hand_err;
+} qm_udp_hand_state_t;
+
+typedef struct {
+    int io1_state;
+    int io2_state;
+} qm_udp_aloha_state_t;
+
+typedef struct {
+    char manu[10];
+    int type;
+    char hv[10];
+    char sv[10];
+    char bv[10];
+    int id;
+    int dof;
+    int check;
+    int bee;
+    bool force;
+    bool touch;
+    int touch_num;
+    int touch_sw;
+    int hand;
+    int pos_up[12];
+    int pos_low[12];
+    int angle_up[12];
+    int angle_low[12];
+    int speed_up[12];
+    int speed_low[12];
+    int force_up[12];
+    int force_low[12];
+} qm_plus_base_info_t;
+
+typedef struct {
+    int sys_state;
+    int dof_state[12];
+    int dof_err[12];
+    int pos[12];
+    int speed[12];
+    int angle[12];
+    int current[12];
+    int normal_force[18];
+    int tangential_force[18];
+    int tangential_force_dir[18];
+    uint32_t tsa[12];
+    uint32_t tma[12];
+    int touch_data[18];
+    int force[12];
+} qm_plus_state_info_t;
+
+typedef struct {
+    int errCode; /* 0, or -3 when the datagram could not be parsed */
+    char arm_ip[16];
+    qm_joint_status_t joint_status;
+    qm_force_sensor_t force_sensor;
+    qm_err_t err;
+    qm_pose_t waypoint;
+    qm_udp_lift_state_t liftState;
+    qm_udp_expand_state_t expandState;
+    qm_udp_hand_state_t handState;
+    qm_udp_arm_current_status_e arm_current_status;
+    qm_udp_aloha_state_t aloha_state;
+    int qm_plus_state; /* 1 "disable", 2 "offline", else 0 */
+    qm_plus_base_info_t plus_base_info;
+    qm_plus_state_info_t plus_state_info;
+} qm_realtime_arm_joint_state_t;
+
+typedef void (*qm_realtime_arm_state_callback_ptr)(qm_realtime_arm_joint_state_t data);
+
+/* ---- kinematics bridge records ---- */
+
+/* A homogeneous transform indexed [row][column], translation in column 3;
+ * irow and iline give the used size (4 and 4 for a transform, 3 and 3 for a rotation). */
+typedef struct {
+    int16_t irow;
+    int16_t iline;
+    float data[4][4];
+} qm_matrix_t;
+
+/* One sphere of the tool envelope, in metres in the flange frame; radius 0 leaves it out. */
+typedef struct {
+    float radius;
+    float centrePoint[3];
+} qm_tool_sphere_t;
+
+typedef struct {
+    float q_in[7];     /* reference joints, degrees */
+    qm_pose_t q_pose;  /* target pose of the tool */
+    uint8_t flag;      /* 0: the target's quaternion is used, 1: its Euler angles */
+} qm_inverse_kinematics_params_t;
+
+typedef struct {
+    int result;          /* the solver's result code */
+    int num;             /* number of solutions in q_solve */
+    float q_ref[8];      /* reference joints, degrees */
+    float q_solve[8][8]; /* solutions, degrees */
+} qm_inverse_kinematics_all_solve_t;
+
+/* ---- arm command catalogue records ---- */
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* QM_DEFINE_H */
