@@ -1,0 +1,67 @@
+// The UDP port table: shared ports, user counts and the five-entry bound.
+#include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <memory>
+
+#include "udp.h"
+
+namespace {
+
+struct UdpTable : ::testing::Test {
+    std::unique_ptr<qm_udp_handle> table{qm_udp_init()};
+    // Ports high enough not to collide with the other suites' ephemeral ones.
+    static constexpr int kBase = 47310;
+};
+
+bool is_open(int fd) {
+    int type = 0;
+    socklen_t len = sizeof type;
+    return getsockopt(fd, SOL_SOCKET, SO_TYPE, &type, &len) == 0;
+}
+
+}  // namespace
+
+TEST_F(UdpTable, SamePortTwiceSharesOneSocket) {
+    EXPECT_EQ(table->udp_add_port(table.get(), kBase), 0);
+    EXPECT_EQ(table->udp_add_port(table.get(), kBase), 1);
+    EXPECT_EQ(table->udp_list[0].user_num, 2);
+    EXPECT_EQ(table->udp_list[0].port, kBase);
+    EXPECT_GT(table->udp_list[0].udp_id, 0);
+
+    EXPECT_EQ(table->udp_delete_port(table.get(), kBase), 0);
+    EXPECT_EQ(table->udp_list[0].user_num, 1);
+}
+
+TEST_F(UdpTable, SixthDistinctPortIsRefused) {
+    for (int i = 0; i < UDP_LIST_MAX; ++i) ASSERT_EQ(table->udp_add_port(table.get(), kBase + 1 + i), 0);
+    EXPECT_EQ(table->udp_add_port(table.get(), kBase + 10), -2);
+    EXPECT_EQ(table->udp_add_port(table.get(), kBase + 3), 1) << "known ports still count up";
+}
+
+TEST_F(UdpTable, LastUserGoneResetsEntryAndClosesSocket) {
+    ASSERT_EQ(table->udp_add_port(table.get(), kBase + 20), 0);
+    int fd = table->udp_list[0].udp_id;
+    table->udp_delete_port(table.get(), kBase + 20);
+    EXPECT_EQ(table->udp_list[0].user_num, 0);
+    EXPECT_EQ(table->udp_list[0].port, 0);
+    EXPECT_FALSE(is_open(fd));
+    EXPECT_EQ(table->udp_add_port(table.get(), kBase + 21), 0) << "the entry is free again";
+}
+
+TEST_F(UdpTable, PortThatCannotBeBoundLeavesEntryZeroed) {
+    // A socket that holds the port without address reuse makes the bind fail.
+    int holder = ::socket(AF_INET, SOCK_DGRAM, 0);
+    sockaddr_in addr{};
+    addr.sin_family = AF_INET;
+    addr.sin_port = htons(kBase + 30);
+    ASSERT_EQ(::bind(holder, reinterpret_cast<sockaddr*>(&addr), sizeof addr), 0);
+    ::testing::internal::CaptureStderr();
+    EXPECT_EQ(table->udp_add_port(table.get(), kBase + 30), -1);
+    EXPECT_NE(::testing::internal::GetCapturedStderr().find("bind failed"), std::string::npos);
+    EXPECT_EQ(table->udp_list[0].user_num, 0);
+    EXPECT_EQ(table->udp_list[0].udp_id, 0);
+    ::close(holder);
+}
