@@ -1,0 +1,180 @@
+// Conversions between Euler angles (R = Rz*Ry*Rx), scalar-first quaternions and matrices.
+#include <cmath>
+
+#include "qman_mathfuncs.h"
+
+namespace {
+
+constexpr float kTwoPi = static_cast<float>(2.0 * ALGO_PI);
+// Pitch this close to +-90 degrees folds yaw into roll.
+constexpr float kGimbalLimit = 0.999999f;
+// Deliberately not -pi: -pi comes back as +pi, and angles down to -3.13 stay negative.
+constexpr float kWrapBelow = -3.13f;
+constexpr float kQuatNormFloor = 1e-6f;
+
+float wrap_angle(float angle) { return angle < kWrapBelow ? angle + kTwoPi : angle; }
+
+Matrix rotation3() { return zero_matrix(3, 3); }
+
+}  // namespace
+
+extern "C" {
+
+Matrix rotx(float angle) {
+    const float c = std::cos(angle), s = std::sin(angle);
+    Matrix m = rotation3();
+    m.data[0][0] = 1.0f;
+    m.data[1][1] = c;
+    m.data[1][2] = -s;
+    m.data[2][1] = s;
+    m.data[2][2] = c;
+    return m;
+}
+
+Matrix roty(float angle) {
+    const float c = std::cos(angle), s = std::sin(angle);
+    Matrix m = rotation3();
+    m.data[0][0] = c;
+    m.data[0][2] = s;
+    m.data[1][1] = 1.0f;
+    m.data[2][0] = -s;
+    m.data[2][2] = c;
+    return m;
+}
+
+Matrix rotz(float angle) {
+    const float c = std::cos(angle), s = std::sin(angle);
+    Matrix m = rotation3();
+    m.data[0][0] = c;
+    m.data[0][1] = -s;
+    m.data[1][0] = s;
+    m.data[1][1] = c;
+    m.data[2][2] = 1.0f;
+    return m;
+}
+
+Matrix matrix_T2R(Matrix t) {
+    Matrix r = rotation3();
+    for (int i = 0; i < 3; ++i)
+        for (int j = 0; j < 3; ++j) r.data[i][j] = t.data[i][j];
+    return r;
+}
+
+Matrix euler_to_matrix(Euler e) {
+    const float cx = std::cos(e.rx), sx = std::sin(e.rx);
+    const float cy = std::cos(e.ry), sy = std::sin(e.ry);
+    const float cz = std::cos(e.rz), sz = std::sin(e.rz);
+    Matrix m = rotation3();
+    m.data[0][0] = cz * cy;
+    m.data[0][1] = cz * sy * sx - sz * cx;
+    m.data[0][2] = cz * sy * cx + sz * sx;
+    m.data[1][0] = sz * cy;
+    m.data[1][1] = sz * sy * sx + cz * cx;
+    m.data[1][2] = sz * sy * cx - cz * sx;
+    m.data[2][0] = -sy;
+    m.data[2][1] = cy * sx;
+    m.data[2][2] = cy * cx;
+    return m;
+}
+
+Quat euler_to_quat(Euler e) {
+    const float cx = std::cos(0.5f * e.rx), sx = std::sin(0.5f * e.rx);
+    const float cy = std::cos(0.5f * e.ry), sy = std::sin(0.5f * e.ry);
+    const float cz = std::cos(0.5f * e.rz), sz = std::sin(0.5f * e.rz);
+    return Quat{cx * cy * cz + sx * sy * sz, sx * cy * cz - cx * sy * sz, cx * sy * cz + sx * cy * sz,
+                cx * cy * sz - sx * sy * cz};
+}
+
+Matrix quat_to_matrix(Quat q) {
+    const float n = q.w * q.w + q.x * q.x + q.y * q.y + q.z * q.z;
+    const float s = n > kQuatNormFloor ? 2.0f / n : 0.0f;
+    const float wx = s * q.w * q.x, wy = s * q.w * q.y, wz = s * q.w * q.z;
+    const float xx = s * q.x * q.x, xy = s * q.x * q.y, xz = s * q.x * q.z;
+    const float yy = s * q.y * q.y, yz = s * q.y * q.z, zz = s * q.z * q.z;
+    Matrix m = rotation3();
+    m.data[0][0] = 1.0f - (yy + zz);
+    m.data[0][1] = xy - wz;
+    m.data[0][2] = xz + wy;
+    m.data[1][0] = xy + wz;
+    m.data[1][1] = 1.0f - (xx + zz);
+    m.data[1][2] = yz - wx;
+    m.data[2][0] = xz - wy;
+    m.data[2][1] = yz + wx;
+    m.data[2][2] = 1.0f - (xx + yy);
+    return m;
+}
+
+Euler matrix_to_euler(Matrix r) {
+    const auto& R = r.data;
+    Euler e{};
+    e.ry = std::atan2(-R[2][0], std::sqrt(R[0][0] * R[0][0] + R[1][0] * R[1][0]));
+    if (R[2][0] > kGimbalLimit) {
+        e.rx = -std::atan2(R[0][1], R[1][1]);
+        e.rz = 0.0f;
+    } else if (R[2][0] < -kGimbalLimit) {
+        e.rx = std::atan2(R[0][1], R[1][1]);
+        e.rz = 0.0f;
+    } else {
+        e.rx = std::atan2(R[2][1], R[2][2]);
+        e.rz = std::atan2(R[1][0], R[0][0]);
+    }
+    e.rx = wrap_angle(e.rx);
+    e.ry = wrap_angle(e.ry);
+    e.rz = wrap_angle(e.rz);
+    return e;
+}
+
+Euler quat_to_euler(Quat q) { return matrix_to_euler(quat_to_matrix(q)); }
+
+Quat matrix_to_quat(Matrix r) {
+    const auto& R = r.data;
+    const float trace = R[0][0] + R[1][1] + R[2][2];
+    if (trace > 0.0f) {
+        const float S = 2.0f * std::sqrt(trace + 1.0f);
+        return Quat{0.25f * S, (R[2][1] - R[1][2]) / S, (R[0][2] - R[2][0]) / S, (R[1][0] - R[0][1]) / S};
+    }
+    if (R[0][0] > R[1][1] && R[0][0] > R[2][2]) {
+        const float S = 2.0f * std::sqrt(1.0f + R[0][0] - R[1][1] - R[2][2]);
+        return Quat{(R[2][1] - R[1][2]) / S, 0.25f * S, (R[0][1] + R[1][0]) / S, (R[0][2] + R[2][0]) / S};
+    }
+    if (R[1][1] > R[2][2]) {
+        const float S = 2.0f * std::sqrt(1.0f + R[1][1] - R[0][0] - R[2][2]);
+        return Quat{(R[0][2] - R[2][0]) / S, (R[0][1] + R[1][0]) / S, 0.25f * S, (R[1][2] + R[2][1]) / S};
+    }
+    const float S = 2.0f * std::sqrt(1.0f + R[2][2] - R[0][0] - R[1][1]);
+    return Quat{(R[1][0] - R[0][1]) / S, (R[0][2] + R[2][0]) / S, (R[1][2] + R[2][1]) / S, 0.25f * S};
+}
+
+Matrix pose_euler_to_transformation_matrix(Pos p, Euler e) {
+    Matrix t = euler_to_matrix(e);
+    t.irow = t.iline = 4;
+    t.data[0][3] = p.x;
+    t.data[1][3] = p.y;
+    t.data[2][3] = p.z;
+    t.data[3][3] = 1.0f;
+    return t;
+}
+
+Matrix pose_quat_to_transformation_matrix(Pos p, Quat q) {
+    Matrix t = quat_to_matrix(q);
+    t.irow = t.iline = 4;
+    t.data[0][3] = p.x;
+    t.data[1][3] = p.y;
+    t.data[2][3] = p.z;
+    t.data[3][3] = 1.0f;
+    return t;
+}
+
+Pose transformation_matrix_to_pose(Matrix t) {
+    Pose p{};
+    p.position = Pos{t.data[0][3], t.data[1][3], t.data[2][3]};
+    p.euler = matrix_to_euler(t);
+    p.quaternion = matrix_to_quat(t);
+    return p;
+}
+
+Matrix algo_pose_to_matrix(Pose p) { return pose_euler_to_transformation_matrix(p.position, p.euler); }
+
+Pose algo_matrix_to_pose(Matrix t) { return transformation_matrix_to_pose(t); }
+
+}  // extern "C"

@@ -1,0 +1,100 @@
+#ifndef KINEMATICS_REFERENCE_H
+#define KINEMATICS_REFERENCE_H
+
+// Double-precision link products straight from the DH definitions, as the yardstick for
+// the single-precision closed forms.
+
+#include <array>
+#include <cmath>
+#include <random>
+#include <vector>
+
+#include "libalgo_interface.h"
+
+namespace reference {
+
+using Mat4 = std::array<std::array<double, 4>, 4>;
+
+inline Mat4 identity() {
+    Mat4 m{};
+    for (int i = 0; i < 4; ++i) m[i][i] = 1.0;
+    return m;
+}
+
+inline Mat4 operator*(const Mat4& a, const Mat4& b) {
+    Mat4 r{};
+    for (int i = 0; i < 4; ++i)
+        for (int j = 0; j < 4; ++j)
+            for (int k = 0; k < 4; ++k) r[i][j] += a[i][k] * b[k][j];
+    return r;
+}
+
+inline Mat4 rot_x(double t) {
+    Mat4 m = identity();
+    m[1][1] = std::cos(t), m[1][2] = -std::sin(t), m[2][1] = std::sin(t), m[2][2] = std::cos(t);
+    return m;
+}
+
+inline Mat4 rot_z(double t) {
+    Mat4 m = identity();
+    m[0][0] = std::cos(t), m[0][1] = -std::sin(t), m[1][0] = std::sin(t), m[1][1] = std::cos(t);
+    return m;
+}
+
+inline Mat4 trans(double x, double y, double z) {
+    Mat4 m = identity();
+    m[0][3] = x, m[1][3] = y, m[2][3] = z;
+    return m;
+}
+
+// Twists are rounded to the nearest quarter turn when they are one, as the library does.
+inline double exact_twist(float alpha) {
+    const double quarter = std::round(alpha / (M_PI / 2));
+    return std::fabs(alpha - quarter * M_PI / 2) < 1e-5 ? quarter * M_PI / 2 : alpha;
+}
+
+// Rx(alpha)*Tx(a)*Rz(theta)*Tz(d) per link.
+inline Mat4 modified_chain(const DH& dh, const float* q, int dof) {
+    Mat4 t = identity();
+    for (int i = 0; i < dof; ++i)
+        t = t * rot_x(exact_twist(dh.alpha[i])) * trans(dh.a[i], 0, 0) * rot_z(double(q[i]) + dh.offset[i]) *
+            trans(0, 0, dh.d[i]);
+    return t;
+}
+
+// Rz(theta)*Tz(d)*Tx(a)*Rx(alpha) per link.
+inline Mat4 standard_chain(const DH& dh, const float* q, int dof) {
+    Mat4 t = identity();
+    for (int i = 0; i < dof; ++i)
+        t = t * rot_z(double(q[i]) + dh.offset[i]) * trans(0, 0, dh.d[i]) * trans(dh.a[i], 0, 0) *
+            rot_x(exact_twist(dh.alpha[i]));
+    return t;
+}
+
+inline double max_difference(const Matrix& m, const Mat4& r) {
+    double worst = 0.0;
+    for (int i = 0; i < 4; ++i)
+        for (int j = 0; j < 4; ++j) worst = std::fmax(worst, std::fabs(m.data[i][j] - r[i][j]));
+    return worst;
+}
+
+using Joints = std::array<float, ROBOT_DOF>;
+
+// Joint vectors drawn uniformly inside the loaded model's limits.
+inline std::vector<Joints> random_joints_within_limits(int count, unsigned seed) {
+    float lo[ROBOT_DOF], hi[ROBOT_DOF];
+    libalgo_get_jointlim_min(lo);
+    libalgo_get_jointlim_max(hi);
+    const int dof = libalgo_get_rbt_dof();
+    std::mt19937 rng(seed);
+    std::vector<Joints> out(static_cast<std::size_t>(count));
+    for (auto& q : out) {
+        q.fill(0.0f);
+        for (int j = 0; j < dof; ++j) q[j] = std::uniform_real_distribution<float>(lo[j], hi[j])(rng);
+    }
+    return out;
+}
+
+}  // namespace reference
+
+#endif
