@@ -312,13 +312,107 @@ typedef struct {
 } qm_inverse_kinematics_params_t;
 
 typedef struct {
-    int result;          /* the solver's result code */
+    int result;          /* 1 when at least one solution was found, else 0 */
     int num;             /* number of solutions in q_solve */
     float q_ref[8];      /* reference joints, degrees */
     float q_solve[8][8]; /* solutions, degrees */
 } qm_inverse_kinematics_all_solve_t;
 
 /* ---- arm command catalogue records ---- */
+
+/* One joint pass-through target, streamed without a reply. */
+typedef struct {
+    float* joint;        /* dof angles, degrees */
+    float expand;        /* position of the expansion axis */
+    bool follow;
+    int trajectory_mode; /* 0, 1 or 2; bounds radio at 0, 100 and 1000 */
+    int radio;
+} qm_movej_canfd_mode_t;
+
+/* One pose pass-through target, streamed without a reply. */
+typedef struct {
+    qm_pose_t pose; /* sent by quaternion when it is near unit length, else by Euler angles */
+    bool follow;
+    int trajectory_mode; /* 0, 1 or 2; bounds radio at 0, 100 and 1000 */
+    int radio;
+} qm_movep_canfd_mode_t;
+
+/* Axis of a Cartesian step or jog. */
+typedef enum {
+    QM_X_DIR_E = 0,
+    QM_Y_DIR_E = 1,
+    QM_Z_DIR_E = 2,
+} qm_pos_teach_type_e;
+
+/* Axis of a rotation step or jog. */
+typedef enum {
+    QM_RX_ROTATE_E = 0,
+    QM_RY_ROTATE_E = 1,
+    QM_RZ_ROTATE_E = 2,
+} qm_ort_teach_type_e;
+
+/* The arm's present state: end pose, joint angles (degrees, dof entries) and error codes. */
+typedef struct {
+    qm_pose_t pose;
+    float joint[ARM_DOF];
+    qm_err_t err;
+} qm_current_arm_state_t;
+
+/* Per-joint state: currents, enables, temperatures, voltages, error codes, plus error codes of the arm. */
+typedef struct {
+    float joint_current[ARM_DOF];
+    int joint_en_flag[ARM_DOF];
+    float joint_temperature[ARM_DOF];
+    float joint_voltage[ARM_DOF];
+    int joint_err_code[ARM_DOF];
+    qm_err_t err;
+} qm_arm_all_state_t;
+
+typedef struct {
+    char version[20];
+} qm_algorithm_version_t;
+
+typedef struct {
+    char build_time[20];
+    char version[20];
+} qm_software_build_info_t;
+
+typedef struct {
+    char model_version[5];
+} qm_dynamic_version_t;
+
+/* The controller's software information; every text is NUL-terminated. */
+typedef struct {
+    char product_version[20];          /* arm model with its force-sensor suffix */
+    char robot_controller_version[10]; /* "4.0" for the fourth generation */
+    qm_algorithm_version_t algorithm_info;
+    qm_software_build_info_t ctrl_info;
+    qm_dynamic_version_t dynamic_info;
+    qm_software_build_info_t plan_info;
+    qm_software_build_info_t com_info;
+    qm_software_build_info_t program_info;
+} qm_arm_software_version_t;
+
+/* One name of a tool or work frame list. */
+typedef struct {
+    char name[12];
+} qm_frame_name_t;
+
+/* One sphere of a tool envelope, metres. */
+typedef struct {
+    char name[12];
+    float radius;
+    float x;
+    float y;
+    float z;
+} qm_envelopes_ball_t;
+
+/* The envelope of one tool: up to five spheres. */
+typedef struct {
+    qm_envelopes_ball_t balls[5];
+    int size;
+    char tool_name[12];
+} qm_envelope_balls_list_t;
 
 #ifdef __cplusplus
 }

@@ -41,7 +41,24 @@ void qm_set_log_save(const char* path);
 
 /* ---- command exchange and events ---- */
 
+/* The trajectory the controller is planning: joint targets in degrees (dof values) or a pose
+ * (x, y, z metres, rx, ry, rz radians) in data; -1 for a malformed reply or unknown type. */
+int qm_get_arm_current_trajectory(qm_robot_handle* handle, qm_arm_current_trajectory_e* type, float* data);
+/* Registers the callback for trajectory-arrival and program-finished events (NULL keeps the old
+ * one); it runs on the receive thread. */
+void qm_get_arm_event_call_back(qm_event_callback_ptr event_callback);
+
 /* ---- realtime state push ---- */
+
+/* Registers the callback that receives every realtime state datagram (NULL keeps the old one);
+ * it runs on the UDP thread and must return quickly. */
+void qm_realtime_arm_state_call_back(qm_realtime_arm_state_callback_ptr realtime_callback);
+/* Configures the controller's realtime push; -4 for a cycle or port below 1 or an ip text of
+ * fewer than 7 or more than 15 characters (nothing is sent). */
+int qm_set_realtime_push(qm_robot_handle* handle, qm_realtime_push_config_t config);
+/* Reads the realtime push configuration and, when enabled in the triple thread mode, starts
+ * receiving on its port. */
+int qm_get_realtime_push(qm_robot_handle* handle, qm_realtime_push_config_t* config);
 
 /* ---- kinematics bridge ---- */
 
@@ -153,15 +170,241 @@ qm_pose_t qm_algo_pose_move(qm_robot_handle* handle, qm_pose_t poseCurrent, cons
 
 /* ---- arm state and information ---- */
 
+/* Reads the controller's software versions and learns the arm's model, dof, force-sensing
+ * variant and controller generation; -3 malformed reply, -1 unknown force suffix or handle. */
+int qm_get_arm_software_info(qm_robot_handle* handle, qm_arm_software_version_t* software_info);
+/* End pose (metres, radians, quaternion), joint angles (degrees) and error codes of the arm. */
+int qm_get_current_arm_state(qm_robot_handle* handle, qm_current_arm_state_t* state);
+/* Joint temperatures, dof values (controller's thousandths divided by 1000). */
+int qm_get_current_joint_temperature(qm_robot_handle* handle, float* temperature);
+/* Joint currents, dof values (controller's thousandths divided by 1000). */
+int qm_get_current_joint_current(qm_robot_handle* handle, float* current);
+/* Joint voltages, dof values (controller's thousandths divided by 1000). */
+int qm_get_current_joint_voltage(qm_robot_handle* handle, float* voltage);
+/* Joint angles, dof values in degrees. */
+int qm_get_joint_degree(qm_robot_handle* handle, float* joint);
+/* Currents, enables, temperatures, voltages and error codes of every joint, plus the arm's errors. */
+int qm_get_arm_all_state(qm_robot_handle* handle, qm_arm_all_state_t* state);
+/* Sets the initial pose from dof joint angles in degrees. */
+int qm_set_init_pose(qm_robot_handle* handle, const float* joint);
+/* Reads the initial pose, dof joint angles in degrees. */
+int qm_get_init_pose(qm_robot_handle* handle, float* joint);
+
 /* ---- motion ---- */
+/* Planned moves: v speed, r blend radius, trajectory_connect 1 joins the next move (the blocking
+ * variant then returns once accepted). The _nblock variant returns once the controller accepted
+ * the move; _block waits for its arrival: 1 it ended without success, -4 another device arrived,
+ * -5 no arrival within block one-second waits (single-thread mode), -6 arrival timed out or the
+ * arm state could not be read (threaded modes). The dispatcher calls _block for a non-zero block. */
+
+/* Joint-space move to joint (dof angles, degrees). */
+int qm_movej(qm_robot_handle* handle, const float* joint, int v, int r, int trajectory_connect, int block);
+/* Joint-space move to joint, returning once accepted. */
+int qm_movej_nblock(qm_robot_handle* handle, const float* joint, int v, int r, int trajectory_connect);
+/* Joint-space move to joint, waiting for its arrival. */
+int qm_movej_block(qm_robot_handle* handle, const float* joint, int v, int r, int trajectory_connect, int block);
+/* Straight-line move to pose (position and Euler angles). */
+int qm_movel(qm_robot_handle* handle, qm_pose_t pose, int v, int r, int trajectory_connect, int block);
+/* Straight-line move to pose, returning once accepted. */
+int qm_movel_nblock(qm_robot_handle* handle, qm_pose_t pose, int v, int r, int trajectory_connect);
+/* Straight-line move to pose, waiting for its arrival. */
+int qm_movel_block(qm_robot_handle* handle, qm_pose_t pose, int v, int r, int trajectory_connect, int block);
+/* Straight-line move by offset in frame_type; the non-blocking form moves to offset as an absolute pose. */
+int qm_movel_offset(qm_robot_handle* handle, qm_pose_t offset, int v, int r, int trajectory_connect, int frame_type, int block);
+/* Straight-line move to offset as an absolute pose (frame_type is not sent), returning once accepted. */
+int qm_movel_offset_nblock(qm_robot_handle* handle, qm_pose_t offset, int v, int r, int trajectory_connect, int frame_type);
+/* Straight-line move by offset in frame_type, waiting for its arrival. */
+int qm_movel_offset_block(qm_robot_handle* handle, qm_pose_t offset, int v, int r, int trajectory_connect, int frame_type, int block);
+/* Spline move through pose. */
+int qm_moves(qm_robot_handle* handle, qm_pose_t pose, int v, int r, int trajectory_connect, int block);
+/* Spline move through pose, returning once accepted. */
+int qm_moves_nblock(qm_robot_handle* handle, qm_pose_t pose, int v, int r, int trajectory_connect);
+/* Spline move through pose, waiting for its arrival. */
+int qm_moves_block(qm_robot_handle* handle, qm_pose_t pose, int v, int r, int trajectory_connect, int block);
+/* Arc move via pose_via to pose_to, loop times; -6 for a trajectory_connect other than 0 or 1. */
+int qm_movec(qm_robot_handle* handle, qm_pose_t pose_via, qm_pose_t pose_to, int v, int r, int loop, int trajectory_connect, int block);
+/* Arc move via pose_via to pose_to, returning once accepted. */
+int qm_movec_nblock(qm_robot_handle* handle, qm_pose_t pose_via, qm_pose_t pose_to, int v, int r, int loop, int trajectory_connect);
+/* Arc move via pose_via to pose_to, waiting for its arrival. */
+int qm_movec_block(qm_robot_handle* handle, qm_pose_t pose_via, qm_pose_t pose_to, int v, int r, int loop, int trajectory_connect, int block);
+/* Joint-space move to the Cartesian target pose. */
+int qm_movej_p(qm_robot_handle* handle, qm_pose_t pose, int v, int r, int trajectory_connect, int block);
+/* Joint-space move to pose, returning once accepted. */
+int qm_movej_p_nblock(qm_robot_handle* handle, qm_pose_t pose, int v, int r, int trajectory_connect);
+/* Joint-space move to pose, waiting for its arrival. */
+int qm_movej_p_block(qm_robot_handle* handle, qm_pose_t pose, int v, int r, int trajectory_connect, int block);
+/* Streams one joint pass-through target without awaiting a reply; an out-of-range radio only warns. */
+int qm_movej_canfd(qm_robot_handle* handle, qm_movej_canfd_mode_t config);
+/* Streams one pose pass-through target without awaiting a reply; an out-of-range radio only warns. */
+int qm_movep_canfd(qm_robot_handle* handle, qm_movep_canfd_mode_t config);
+/* Streams one joint follow target (dof angles, degrees) without awaiting a reply. */
+int qm_movej_follow(qm_robot_handle* handle, float* joint);
+/* Streams one pose follow target without awaiting a reply. */
+int qm_movep_follow(qm_robot_handle* handle, qm_pose_t pose);
 
 /* ---- jog, teach and stop ---- */
+/* Step moves: the _nblock variant only sends; _block awaits acceptance and arrival with the
+ * result codes of the planned moves; the dispatcher calls _block for a non-zero block. */
+
+/* Steps joint joint_num by step degrees at speed v. */
+int qm_set_joint_step(qm_robot_handle* handle, int joint_num, float step, int v, int block);
+/* Steps joint joint_num by step degrees without awaiting a reply. */
+int qm_set_joint_step_nblock(qm_robot_handle* handle, int joint_num, float step, int v);
+/* Steps joint joint_num by step degrees and waits for the arrival. */
+int qm_set_joint_step_block(qm_robot_handle* handle, int joint_num, float step, int v, int block);
+/* Steps the tool by step metres along axis type. */
+int qm_set_pos_step(qm_robot_handle* handle, qm_pos_teach_type_e type, float step, int v, int block);
+/* Steps the tool by step metres along type without awaiting a reply. */
+int qm_set_pos_step_nblock(qm_robot_handle* handle, qm_pos_teach_type_e type, float step, int v);
+/* Steps the tool by step metres along type and waits for the arrival. */
+int qm_set_pos_step_block(qm_robot_handle* handle, qm_pos_teach_type_e type, float step, int v, int block);
+/* Turns the tool by step radians about axis type. */
+int qm_set_ort_step(qm_robot_handle* handle, qm_ort_teach_type_e type, float step, int v, int block);
+/* Turns the tool by step radians about type without awaiting a reply. */
+int qm_set_ort_step_nblock(qm_robot_handle* handle, qm_ort_teach_type_e type, float step, int v);
+/* Turns the tool by step radians about type and waits for the arrival. */
+int qm_set_ort_step_block(qm_robot_handle* handle, qm_ort_teach_type_e type, float step, int v, int block);
+/* Jogs joint joint_num at speed v until stopped; direction non-zero positive, 0 negative. */
+int qm_set_joint_teach(qm_robot_handle* handle, int joint_num, int direction, int v);
+/* Jogs the tool along axis type until stopped; direction non-zero positive, 0 negative. */
+int qm_set_pos_teach(qm_robot_handle* handle, qm_pos_teach_type_e type, int direction, int v);
+/* Turns the tool about axis type until stopped; direction non-zero positive, 0 negative. */
+int qm_set_ort_teach(qm_robot_handle* handle, qm_ort_teach_type_e type, int direction, int v);
+/* Ends a jog. */
+int qm_set_stop_teach(qm_robot_handle* handle);
+/* Selects the frame the Cartesian jogs and steps refer to. */
+int qm_set_teach_frame(qm_robot_handle* handle, int frame_type);
+/* Reads the frame the Cartesian jogs and steps refer to; unchanged on failure. */
+int qm_get_teach_frame(qm_robot_handle* handle, int* frame_type);
+/* Stops the arm slowly. */
+int qm_set_arm_slow_stop(qm_robot_handle* handle);
+/* Stops the arm at once. */
+int qm_set_arm_stop(qm_robot_handle* handle);
+/* Pauses the running trajectory. */
+int qm_set_arm_pause(qm_robot_handle* handle);
+/* Resumes a paused trajectory. */
+int qm_set_arm_continue(qm_robot_handle* handle);
+/* Deletes the current trajectory. */
+int qm_set_delete_current_trajectory(qm_robot_handle* handle);
+/* Deletes every planned trajectory. */
+int qm_set_arm_delete_trajectory(qm_robot_handle* handle);
 
 /* ---- joint and arm limits ---- */
 
+/* Software speed limit of one joint, degrees per second; then re-reads all (the result is the read's). */
+int qm_set_joint_max_speed(qm_robot_handle* handle, int joint_num, float speed);
+/* Software acceleration limit of one joint; then re-reads all (the result is the read's). */
+int qm_set_joint_max_acc(qm_robot_handle* handle, int joint_num, float acc);
+/* Software lower position limit of one joint, degrees; then re-reads all (the result is the read's). */
+int qm_set_joint_min_pos(qm_robot_handle* handle, int joint_num, float pos);
+/* Software upper position limit of one joint, degrees; then re-reads all (the result is the read's). */
+int qm_set_joint_max_pos(qm_robot_handle* handle, int joint_num, float pos);
+/* Drive speed limit of one joint, degrees per second. */
+int qm_set_joint_drive_max_speed(qm_robot_handle* handle, int joint_num, float speed);
+/* Drive acceleration limit of one joint (sent without the division by 6 that the read applies). */
+int qm_set_joint_drive_max_acc(qm_robot_handle* handle, int joint_num, float acc);
+/* Drive lower position limit of one joint, degrees. */
+int qm_set_joint_drive_min_pos(qm_robot_handle* handle, int joint_num, float pos);
+/* Drive upper position limit of one joint, degrees. */
+int qm_set_joint_drive_max_pos(qm_robot_handle* handle, int joint_num, float pos);
+/* Enables (1) or disables (0) one joint. */
+int qm_set_joint_en_state(qm_robot_handle* handle, int joint_num, int en_state);
+/* Makes the present position of one joint its zero. */
+int qm_set_joint_zero_pos(qm_robot_handle* handle, int joint_num);
+/* Clears the errors of one joint. */
+int qm_set_joint_clear_err(qm_robot_handle* handle, int joint_num);
+/* Sets the joint position limits automatically in the given mode; then re-reads them. */
+int qm_auto_set_joint_limit(qm_robot_handle* handle, int limit_mode);
+/* Cartesian line speed limit, metres per second. */
+int qm_set_arm_max_line_speed(qm_robot_handle* handle, float speed);
+/* Cartesian line acceleration limit, metres per second squared. */
+int qm_set_arm_max_line_acc(qm_robot_handle* handle, float acc);
+/* Cartesian angular speed limit, radians per second. */
+int qm_set_arm_max_angular_speed(qm_robot_handle* handle, float speed);
+/* Cartesian angular acceleration limit, radians per second squared. */
+int qm_set_arm_max_angular_acc(qm_robot_handle* handle, float acc);
+/* Initialises the tool centre point. */
+int qm_set_arm_tcp_init(qm_robot_handle* handle);
+/* Collision sensitivity stage. */
+int qm_set_collision_state(qm_robot_handle* handle, int collision_stage);
+/* Software speed limits, dof values in degrees per second; also cached in the connection. */
+int qm_get_joint_max_speed(qm_robot_handle* handle, float* speed);
+/* Software acceleration limits, dof values; also cached in the connection. */
+int qm_get_joint_max_acc(qm_robot_handle* handle, float* acc);
+/* Software lower position limits, dof values in degrees; also cached in the connection. */
+int qm_get_joint_min_pos(qm_robot_handle* handle, float* min_pos);
+/* Software upper position limits, dof values in degrees; also cached in the connection. */
+int qm_get_joint_max_pos(qm_robot_handle* handle, float* max_pos);
+/* Drive speed limits, dof values in degrees per second. */
+int qm_get_joint_drive_max_speed(qm_robot_handle* handle, float* speed);
+/* Drive acceleration limits, dof values. */
+int qm_get_joint_drive_max_acc(qm_robot_handle* handle, float* acc);
+/* Drive lower position limits, dof values in degrees. */
+int qm_get_joint_drive_min_pos(qm_robot_handle* handle, float* min_pos);
+/* Drive upper position limits, dof values in degrees. */
+int qm_get_joint_drive_max_pos(qm_robot_handle* handle, float* max_pos);
+/* Enable states of the joints, dof values. */
+int qm_get_joint_en_state(qm_robot_handle* handle, uint8_t* en_state);
+/* Error flags and brake states of the joints, dof values each. */
+int qm_get_joint_err_flag(qm_robot_handle* handle, uint16_t* err_flag, uint16_t* brake_state);
+/* Cartesian line speed limit, metres per second. */
+int qm_get_arm_max_line_speed(qm_robot_handle* handle, float* speed);
+/* Cartesian line acceleration limit, metres per second squared. */
+int qm_get_arm_max_line_acc(qm_robot_handle* handle, float* acc);
+/* Cartesian angular speed limit, radians per second. */
+int qm_get_arm_max_angular_speed(qm_robot_handle* handle, float* speed);
+/* Cartesian angular acceleration limit, radians per second squared. */
+int qm_get_arm_max_angular_acc(qm_robot_handle* handle, float* acc);
+/* Collision sensitivity stage. */
+int qm_get_collision_stage(qm_robot_handle* handle, int* collision_stage);
+
 /* ---- tool and work frames ---- */
 
+/* Records one of the taught points (point_num) of a new tool frame. */
+int qm_set_auto_tool_frame(qm_robot_handle* handle, int point_num);
+/* Creates the tool frame taught by points, with payload (kg) and its centre of mass (metres). */
+int qm_generate_auto_tool_frame(qm_robot_handle* handle, const char* name, float payload, float x, float y, float z);
+/* Creates a tool frame from its pose, payload and centre of mass. */
+int qm_set_manual_tool_frame(qm_robot_handle* handle, qm_frame_t frame);
+/* Selects a tool frame by name; then re-reads the current one. */
+int qm_change_tool_frame(qm_robot_handle* handle, const char* tool_name);
+/* Deletes a tool frame by name; then re-reads the current one. */
+int qm_delete_tool_frame(qm_robot_handle* handle, const char* tool_name);
+/* Replaces pose, payload and centre of mass of the named tool frame. */
+int qm_update_tool_frame(qm_robot_handle* handle, qm_frame_t frame);
+/* The current tool frame; also cached in the connection. -1 for a malformed reply. */
+int qm_get_current_tool_frame(qm_robot_handle* handle, qm_frame_t* tool_frame);
+/* Names of all tool frames and their count; -2 for a malformed reply. */
+int qm_get_total_tool_frame(qm_robot_handle* handle, qm_frame_name_t* frame_names, int* len);
+/* The named tool frame. */
+int qm_get_given_tool_frame(qm_robot_handle* handle, const char* name, qm_frame_t* frame);
+/* Records one of the taught points (point_num) of the named new work frame. */
+int qm_set_auto_work_frame(qm_robot_handle* handle, const char* workname, int point_num);
+/* Creates a work frame from its pose. */
+int qm_set_manual_work_frame(qm_robot_handle* handle, const char* work_name, qm_pose_t pose);
+/* Selects a work frame by name; then re-reads the current one. */
+int qm_change_work_frame(qm_robot_handle* handle, const char* frame_name);
+/* Deletes a work frame by name; then re-reads the current one. */
+int qm_delete_work_frame(qm_robot_handle* handle, const char* frame_name);
+/* Replaces the pose of the named work frame. */
+int qm_update_work_frame(qm_robot_handle* handle, const char* work_name, qm_pose_t pose);
+/* The current work frame (name and pose); also cached in the connection. -1 for a malformed reply. */
+int qm_get_current_work_frame(qm_robot_handle* handle, qm_frame_t* work_frame);
+/* Names of all work frames and their count; -2 for a malformed reply. */
+int qm_get_total_work_frame(qm_robot_handle* handle, qm_frame_name_t* frame_names, int* len);
+/* The pose of the named work frame. */
+int qm_get_given_work_frame(qm_robot_handle* handle, const char* name, qm_pose_t* pose);
+/* Sets the envelope spheres of a tool (metres). */
+int qm_set_tool_envelope(qm_robot_handle* handle, qm_envelope_balls_list_t envelope);
+/* Reads the envelope spheres of a tool (metres). */
+int qm_get_tool_envelope(qm_robot_handle* handle, const char* tool_name, qm_envelope_balls_list_t* envelope);
+
 /* ---- install pose and model data ---- */
+
+/* Installation angles about X, Y, Z in whole degrees; also cached in the connection. */
+int qm_get_install_pose(qm_robot_handle* handle, float* x, float* y, float* z);
+/* DH table of the arm: a and d in metres, alpha and offset in radians; also cached in the connection. */
+int qm_get_DH_data(qm_robot_handle* handle, qm_dh_t* dh);
 
 #ifdef __cplusplus
 }

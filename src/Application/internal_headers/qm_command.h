@@ -1,0 +1,226 @@
+// The command layer of the arm catalogue: wire scaling rules, a request builder, a reply
+// description and the few generic exchanges that every command is made of.
+//
+// A set command states only what differs:
+//
+//     Request req("set_joint_max_speed");
+//     req.ints("joint_max_speed", {joint_num, wire::per_six(speed)});
+//     return send_set(__func__, handle, req, Reply("set_joint_max_speed", "joint_max_speed"));
+//
+// A query of dof-long arrays:
+//
+//     return query_dof_arrays(__func__, handle, Request("get_joint_degree"),
+//                             Reply::query("joint_degree"),
+//                             {{"joint", store(out, wire::from_thousandths)}});
+#ifndef QM_COMMAND_H
+#define QM_COMMAND_H
+
+#include <array>
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <initializer_list>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "mio_json.h"
+#include "qm_define.h"
+#include "qm_exchange.h"
+
+struct qm_handle_t;
+
+// ---- wire scaling ----
+// Every number on the wire is an integer. Outgoing values are multiplied and truncated toward
+// zero (never rounded); values beyond the int range saturate and NaN goes out as 0. Which
+// precision a rule multiplies in is part of the protocol: joint angles in double, the rest in
+// single precision.
+namespace wire {
+
+int truncate(double value);
+
+// Joint angle, degrees -> thousandths of a degree; widened to double first.
+inline int millidegrees(float degrees) { return truncate(static_cast<double>(degrees) * 1000.0); }
+// Length, metres -> micrometres, single precision. Also quaternion components -> millionths.
+inline int micrometres(float metres) { return truncate(metres * 1000000.0f); }
+inline int millionths(float value) { return truncate(value * 1000000.0f); }
+// Angle, radians -> thousandths of a radian, single precision.
+inline int milliradians(float radians) { return truncate(radians * 1000.0f); }
+// Any value -> thousandths, single precision (speeds, loads, step angles, radii ...).
+inline int thousandths(float value) { return truncate(value * 1000.0f); }
+// Joint speeds and software joint accelerations: divided by 6, then thousandths.
+inline int per_six(float value) { return truncate(value / 6.0f * 1000.0f); }
+// Whole number without scaling (the install angles): 90.9 goes out as 90.
+inline int whole(float value) { return truncate(value); }
+
+// Incoming integers back to floats.
+inline float from_thousandths(int value) { return static_cast<float>(static_cast<float>(value) / 1000.0); }
+inline float from_micrometres(int value) { return static_cast<float>(static_cast<float>(value) / 1000000.0); }
+inline float from_per_six(int value) { return static_cast<float>(value) * 6.0f / 1000.0f; }
+inline float as_is(int value) { return static_cast<float>(value); }
+
+// [x, y, z] micrometres, [rx, ry, rz] milliradians.
+std::array<int, 6> pose6(const qm_pose_t& pose);
+// [x, y, z] micrometres, [w, x, y, z] millionths.
+std::array<int, 7> pose_quat7(const qm_pose_t& pose);
+// The inverse of pose6 for positions and Euler angles; the quaternion is left untouched.
+void pose_from6(const int* values, qm_pose_t& pose);
+
+}  // namespace wire
+
+// ---- request ----
+// The members of one request in the order they go out; "command" is always first. Texts,
+// arrays and objects are owned by the request, keys are borrowed (use literals).
+class Request {
+public:
+    explicit Request(const char* command);
+    // A request that sends nothing: the exchange only waits for a reply.
+    static Request nothing();
+
+    Request& str(const char* key, const char* text);  // a null text leaves the member out
+    Request& integer(const char* key, int value);
+    Request& ints(const char* key, std::initializer_list<int> values);
+    Request& ints(const char* key, std::span<const int> values);
+    Request& boolean(const char* key, bool value);
+    Request& object(const char* key, JsonPtr tree);  // any JSON tree: an object or an array
+
+    bool empty() const { return members_.empty(); }
+    const char* command() const;
+    // The member table for qm_pack_lock_set. Object members are duplicated, and each
+    // duplicate passes to the exchange as JsonValue prescribes.
+    std::vector<JsonValue> table() const;
+
+private:
+    Request() = default;
+    struct Member {
+        JsonValueType type;
+        const char* key;
+        bool has_text = false;
+        std::string text;
+        int number = 0;
+        std::vector<int> array;
+        JsonPtr tree;
+    };
+    Member& add(JsonValueType type, const char* key);
+    std::vector<Member> members_;
+};
+
+// A streamed pose target: "pose_quat" [x, y, z, w, qx, qy, qz] whenever the quaternion is near
+// unit length (squared norm, in single precision, strictly between 0.99 and 1.1), else "pose"
+// with the Euler angles.
+inline Request& add_pose_target(Request& req, const qm_pose_t& pose) {
+    const qm_quat_t& q = pose.quaternion;
+    const double norm = q.w * q.w + q.x * q.x + q.y * q.y + q.z * q.z;
+    if (norm > 0.99 && norm < 1.1) return req.ints("pose_quat", wire::pose_quat7(pose));
+    return req.ints("pose", wire::pose6(pose));
+}
+
+// ---- reply ----
+enum class Timeout { query, set, fixed };
+
+// Where the reply is awaited, how long, how much of it is kept and which boolean judges it.
+struct Reply {
+    // A set command: awaited under `key` with the set timeout (m_nOutTime_max); the boolean
+    // `checked` goes through parse_qm_set_command.
+    Reply(const char* key, const char* checked) : key(key), checked(checked), timeout(Timeout::set) {}
+    // A query: awaited under `key` with the query timeout (m_nOutTime).
+    static Reply query(const char* key) { return Reply(key, nullptr, Timeout::query); }
+
+    Reply& within(std::chrono::milliseconds fixed) { timeout = Timeout::fixed; fixed_ms = fixed; return *this; }
+    Reply& with_query_timeout() { timeout = Timeout::query; return *this; }
+    Reply& buffer(int bytes) { buf_len = bytes; return *this; }
+
+    std::chrono::milliseconds wait() const;
+
+    const char* key;
+    const char* checked;
+    Timeout timeout;
+    std::chrono::milliseconds fixed_ms{0};
+    int buf_len = 1024;
+
+private:
+    Reply(const char* key, const char* checked, Timeout timeout) : key(key), checked(checked), timeout(timeout) {}
+};
+
+// ---- exchanges ----
+// Sends and waits. The result of qm_pack_lock_set: the reply's length (>= 1) with the reply
+// in `text`, or -1 / -2.
+int exchange(const char* caller, qm_robot_handle* handle, const Request& req, const Reply& reply, std::string& text);
+// Sends without awaiting a reply, then holds the exchange for `pause`; the send result (0 or -1).
+int send_only(const char* caller, qm_robot_handle* handle, const Request& req, std::chrono::milliseconds pause);
+// A set command: an exchange result below 1 is returned, else the judgement of reply.checked
+// (0 true, 1 false, -3 missing or unparsable).
+int send_set(const char* caller, qm_robot_handle* handle, const Request& req, const Reply& reply);
+// A query parsed through a key table: an exchange result below 1 is returned, else
+// common_json_parse's result (0 or -3).
+int send_query(const char* caller, qm_robot_handle* handle, const Request& req, const Reply& reply,
+               std::span<KeyValue> table);
+
+// Key-table entries.
+KeyValue int_member(const char* key);
+KeyValue array_member(const char* key, int size);
+KeyValue bool_member(const char* key);
+KeyValue str_member(const char* key);
+
+// ---- dof-long arrays ----
+// Stores element i of a parsed integer array (only i below the array's length is passed).
+using ElementStore = std::function<void(int index, int value)>;
+
+template <class T, class Scale>
+ElementStore store(T* out, Scale scale) {
+    return [out, scale](int i, int v) { out[i] = static_cast<T>(scale(v)); };
+}
+template <class T>
+ElementStore store(T* out) {
+    return [out](int i, int v) { out[i] = static_cast<T>(v); };
+}
+
+// One integer array of a reply: `length` elements, or the arm's dof when length is kDofLong.
+struct ArrayField {
+    static constexpr int kDofLong = 0;
+    const char* member;
+    ElementStore element;
+    int length = kDofLong;
+};
+
+// The arm's dof, or -1 after logging "[caller] The robotic arm has been disconnected".
+int dof_or_disconnected(const char* caller, qm_robot_handle* handle);
+
+// Exchange; then the arm's dof is read (after the exchange, deliberately: the request goes out
+// before the dof is known); then the arrays are parsed with one key table, in order, and stored
+// element by element. 0, the exchange's code, -1 for a disconnected arm, or the parse result.
+// `dof` receives the dof used when given.
+int query_dof_arrays(const char* caller, qm_robot_handle* handle, const Request& req, const Reply& reply,
+                     std::initializer_list<ArrayField> arrays, int* dof = nullptr);
+
+// A cached joint limit of the connection record (joint_max_speed, joint_min_limit, ...).
+using JointCache = float (qm_handle_t::*)[ARM_DOF];
+
+// query_dof_arrays for one dof-long array scaled into `out`; with a cache, `out` and the
+// connection's copy are written together under the table lock (-1 when the connection is gone).
+int query_joint_floats(const char* caller, qm_robot_handle* handle, const Request& req, const Reply& reply,
+                       const char* member, float (*scale)(int), float* out, JointCache cache = nullptr);
+
+// One row of a table of dof-long array queries: {"command"}, reply key, member, scaling and
+// the connection's cached copy (if any).
+struct JointArrayQuery {
+    const char* command;
+    const char* reply_key;
+    const char* member;
+    float (*scale)(int);
+    JointCache cache = nullptr;
+
+    int read(const char* caller, qm_robot_handle* handle, float* out) const {
+        return query_joint_floats(caller, handle, Request(command), Reply::query(reply_key), member, scale, out, cache);
+    }
+};
+
+// Copies at most max_chars of src into the field of field_size bytes, always terminated.
+void copy_text(char* dst, std::size_t field_size, const char* src, std::size_t max_chars);
+template <std::size_t N>
+void copy_text(char (&dst)[N], const char* src, std::size_t max_chars = N) { copy_text(dst, N, src, max_chars); }
+
+// Runs `write` on the connection record under the table's read lock; -1 when it is gone.
+int with_record(qm_robot_handle* handle, const std::function<void(qm_handle_t&)>& write);
+
+#endif
