@@ -6,7 +6,7 @@ cd "$(dirname "$0")/.."
 variant=${1:-plain}
 
 packages=(cmake ninja-build g++ clang pkg-config libcjson-dev googletest libgtest-dev libgmock-dev
-          libbenchmark-dev liborocos-kdl-dev libeigen3-dev)
+          libbenchmark-dev liborocos-kdl-dev libeigen3-dev python3)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
