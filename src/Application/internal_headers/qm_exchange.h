@@ -82,7 +82,7 @@ struct MoveWait {
     int device = 0;              // device whose arrival event ends the wait (0: the arm)
     int trajectory_type = 0;     // qm_arm_current_trajectory_e shown while the move runs
     int event_timeout_ms = 0;    // one wait for the arrival event; 0 takes the query timeout
-    bool poll_first = false;     // poll the planned trajectory before the first event wait
+    bool poll_first = false;     // watch the planned trajectory first; await the event only once nothing runs
     int seen_pause_ms = 50;      // pause while the move is seen running
     int other_pause_ms = 100;    // pause while another trajectory runs
     int idle_pause_ms = 100;     // pause while nothing is planned yet

@@ -62,8 +62,6 @@ int qm_get_realtime_push(qm_robot_handle* handle, qm_realtime_push_config_t* con
 
 /* ---- kinematics bridge ---- */
 
-/* Loads a connected arm's model, frames, limits, install angles and DH table into the kinematics library. */
-void qm_algo_arm_state_set(qm_robot_handle* handle);
 /* Local kinematics: joints in degrees, lengths in metres, orientations in radians. These calls
  * share one global model and must not run from several threads at once. Functions taking a
  * handle first load that connected arm's configuration; a NULL handle keeps the offline one. */
