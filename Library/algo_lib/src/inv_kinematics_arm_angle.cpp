@@ -1,0 +1,382 @@
+// Seven-joint shoulder-elbow-wrist arms (QM75 in standard DH, TAV family in modified DH).
+// Both tables give the same chain:
+//   R = Rz(t1)*Ry(t2)*Rz(t3) * Ry(t4) * Rz(t5)*Ry(t6)*Rz(t7),
+//   p = (0, 0, d1) + R_S * (d5*s4, 0, d3 + d5*c4) + d7 * R * z,   R_S = Rz(t1)*Ry(t2)*Rz(t3),
+// with d1, d3, d5, d7 = d[0], d[2], d[4], d[6]. The wrist centre fixes joint 4 (two elbow
+// signs); the arm angle psi turns the shoulder about the shoulder-wrist line s:
+// R_S = Rot(s, psi) * R_S0, where R_S0 is the shoulder with joint 3 at zero. Per psi,
+// R_S = As*sin(psi) + Bs*cos(psi) + Cs, so each arm angle costs per elbow sign one 3x3
+// blend, the wrist product Ry(-t4)*R_S^T*R and two ZYZ extractions: up to 8 branches.
+
+#include <cmath>
+#include <initializer_list>
+
+#include "inv_kinematics_internal.h"
+#include "libalgo_interface.h"
+#include "qman_inv_kinematics.h"
+
+namespace algo::ik {
+namespace {
+
+using Mat3 = float[3][3];
+
+int g_search_strategy = 0;
+float g_solution_range = Q_STEP_MAX;
+
+struct Vec3 {
+    float x, y, z;
+};
+
+// One elbow sign: R_S(psi) = shoulder_sin*sin(psi) + shoulder_cos*cos(psi) + shoulder_const.
+struct ElbowBranch {
+    float t4, c4, s4;
+    Mat3 shoulder0;  // R_S0
+    Mat3 shoulder_sin, shoulder_cos, shoulder_const;
+};
+
+struct ArmAngleTarget {
+    bool reachable;
+    Vec3 axis;  // unit shoulder-to-wrist direction
+    Mat3 rotation;  // of the flange
+    ElbowBranch elbow[2];
+};
+
+// Shoulder Rz(t1)*Ry(t2) with joint 3 at zero that turns the upper-arm-to-wrist vector
+// (vx, 0, vz) onto sw: t1 is the azimuth of sw, t2 the difference of the two elevations.
+void shoulder_zero(const Vec3& sw, float vx, float vz, Mat3 out) {
+    const float horizontal = std::sqrt(sw.x * sw.x + sw.y * sw.y);
+    const float len = std::sqrt(horizontal * horizontal + sw.z * sw.z);
+    const float v = std::sqrt(vx * vx + vz * vz);
+    // Intended: any t1 fits a vertical sw; 0 keeps it continuous with the arm angle's reference.
+    const float c1 = horizontal < kAxisEps ? 1.0f : sw.x / horizontal;
+    const float s1 = horizontal < kAxisEps ? 0.0f : sw.y / horizontal;
+    const float c2 = (sw.z * vz + horizontal * vx) / (len * v);
+    const float s2 = (horizontal * vz - sw.z * vx) / (len * v);
+    const Mat3 r = {{c1 * c2, -s1, c1 * s2}, {s1 * c2, c1, s1 * s2}, {-s2, 0.0f, c2}};
+    for (int i = 0; i < 3; ++i) {
+        for (int j = 0; j < 3; ++j) out[i][j] = r[i][j];
+    }
+}
+
+void zyz_matrix(float a, float b, float c, Mat3 out) {
+    const float ca = std::cos(a), sa = std::sin(a), cb = std::cos(b), sb = std::sin(b);
+    const float cc = std::cos(c), sc = std::sin(c);
+    const Mat3 r = {{ca * cb * cc - sa * sc, -ca * cb * sc - sa * cc, ca * sb},
+                    {sa * cb * cc + ca * sc, -sa * cb * sc + ca * cc, sa * sb},
+                    {-sb * cc, sb * sc, cb}};
+    for (int i = 0; i < 3; ++i) {
+        for (int j = 0; j < 3; ++j) out[i][j] = r[i][j];
+    }
+}
+
+// Angle of the rotation shoulder * shoulder0^T about axis (exact when it fixes the axis).
+float arm_angle_between(const Mat3 shoulder, const Mat3 shoulder0, const Vec3& axis) {
+    Mat3 rot;
+    for (int i = 0; i < 3; ++i) {
+        for (int j = 0; j < 3; ++j) {
+            rot[i][j] = shoulder[i][0] * shoulder0[j][0] + shoulder[i][1] * shoulder0[j][1] + shoulder[i][2] * shoulder0[j][2];
+        }
+    }
+    const float sin2 = axis.x * (rot[2][1] - rot[1][2]) + axis.y * (rot[0][2] - rot[2][0]) + axis.z * (rot[1][0] - rot[0][1]);
+    const float cos2 = rot[0][0] + rot[1][1] + rot[2][2] - 1.0f;
+    return fast_atan2(sin2, cos2);
+}
+
+ArmAngleTarget arm_angle_target(const DH& dh, const Matrix& flange) {
+    ArmAngleTarget t{};
+    const float d3 = dh.d[2], d5 = dh.d[4], d7 = dh.d[6];
+    Mat3& r = t.rotation;
+    for (int i = 0; i < 3; ++i) {
+        for (int k = 0; k < 3; ++k) r[i][k] = flange.data[i][k];
+    }
+    const Vec3 sw = {flange.data[0][3] - d7 * r[0][2], flange.data[1][3] - d7 * r[1][2],
+                     flange.data[2][3] - d7 * r[2][2] - dh.d[0]};
+    const float len = std::sqrt(sw.x * sw.x + sw.y * sw.y + sw.z * sw.z);
+    float c4;
+    if (len < kAxisEps || !triangle_cosine(len, d3, d5, c4)) return t;
+    t.reachable = true;
+    t.axis = {sw.x / len, sw.y / len, sw.z / len};
+    const Vec3& s = t.axis;
+    const float s4 = std::sqrt(1.0f - c4 * c4);
+    const float g4 = fast_atan2(s4, c4);
+    for (int e = 0; e < 2; ++e) {
+        ElbowBranch& b = t.elbow[e];
+        b.t4 = e == 0 ? g4 : -g4;
+        b.c4 = c4;
+        b.s4 = e == 0 ? s4 : -s4;
+        shoulder_zero(sw, d5 * b.s4, d3 + d5 * c4, b.shoulder0);
+        // Rot(s, psi) = ss^T + sin(psi) [s]x + cos(psi) (I - ss^T)
+        for (int j = 0; j < 3; ++j) {
+            const Vec3 col = {b.shoulder0[0][j], b.shoulder0[1][j], b.shoulder0[2][j]};
+            const float along = s.x * col.x + s.y * col.y + s.z * col.z;
+            b.shoulder_sin[0][j] = s.y * col.z - s.z * col.y;
+            b.shoulder_sin[1][j] = s.z * col.x - s.x * col.z;
+            b.shoulder_sin[2][j] = s.x * col.y - s.y * col.x;
+            b.shoulder_const[0][j] = s.x * along;
+            b.shoulder_const[1][j] = s.y * along;
+            b.shoulder_const[2][j] = s.z * along;
+            for (int i = 0; i < 3; ++i) b.shoulder_cos[i][j] = b.shoulder0[i][j] - b.shoulder_const[i][j];
+        }
+    }
+    return t;
+}
+
+void blend(const Mat3 a, const Mat3 b, const Mat3 c, float sn, float cs, Mat3 out) {
+    for (int i = 0; i < 3; ++i) {
+        for (int j = 0; j < 3; ++j) out[i][j] = a[i][j] * sn + b[i][j] * cs + c[i][j];
+    }
+}
+
+// |sin t2| and |sin t6| of each elbow sign at one arm angle: near 0 the arm is near the
+// shoulder or wrist singularity.
+struct MiddleSines {
+    float shoulder[2];
+    float wrist[2];
+};
+
+// Every branch at arm angle psi.
+MiddleSines branches_at(const SolveInput& in, const ArmAngleTarget& t, const float* theta_ref, float psi,
+                        IkSolve& out) {
+    MiddleSines sines{};
+    begin_solutions(in, out);
+    const float sn = std::sin(psi), cs = std::cos(psi);
+    float q[ROBOT_DOF] = {};
+    for (int e = 0; e < 2; ++e) {
+        const ElbowBranch& b = t.elbow[e];
+        Mat3 rot;
+        blend(b.shoulder_sin, b.shoulder_cos, b.shoulder_const, sn, cs, rot);
+        const ZyzBranches shoulder = zyz_angles(rot, theta_ref[0]);
+        // Wrist Ry(-t4) * R_S^T * R.
+        Mat3 wrist_rot;
+        for (int j = 0; j < 3; ++j) {
+            float m[3];
+            for (int i = 0; i < 3; ++i) {
+                m[i] = rot[0][i] * t.rotation[0][j] + rot[1][i] * t.rotation[1][j] + rot[2][i] * t.rotation[2][j];
+            }
+            wrist_rot[0][j] = b.c4 * m[0] - b.s4 * m[2];
+            wrist_rot[1][j] = m[1];
+            wrist_rot[2][j] = b.s4 * m[0] + b.c4 * m[2];
+        }
+        const ZyzBranches wrist = zyz_angles(wrist_rot, theta_ref[4]);
+        sines.shoulder[e] = shoulder.sin_b;
+        sines.wrist[e] = wrist.sin_b;
+        float sq[2][3];
+        float wq[2][3];
+        for (int k = 0; k < 2; ++k) {
+            for (int j = 0; j < 3; ++j) {
+                sq[k][j] = joint_value(in, j, shoulder.angles[k][j]);
+                wq[k][j] = joint_value(in, 4 + j, wrist.angles[k][j]);
+            }
+        }
+        q[3] = joint_value(in, 3, b.t4);
+        for (const auto& sh : sq) {
+            for (const auto& wr : wq) {
+                for (int j = 0; j < 3; ++j) {
+                    q[j] = sh[j];
+                    q[4 + j] = wr[j];
+                }
+                add_branch(q, out);
+            }
+        }
+    }
+    return sines;
+}
+
+void reference_theta(const SolveInput& in, float* theta) {
+    for (int j = 0; j < ROBOT_DOF; ++j) theta[j] = in.q_ref[j] + in.dh.offset[j];
+}
+
+// Arm angle of the reference's shoulder against the target's zero-angle shoulder, so a
+// reference that reaches the target gives back exactly its own arm.
+float reference_arm_angle(const ArmAngleTarget& t, const float* theta_ref) {
+    Mat3 shoulder;
+    zyz_matrix(theta_ref[0], theta_ref[1], theta_ref[2], shoulder);
+    const ElbowBranch& b = t.elbow[theta_ref[3] >= 0.0f ? 0 : 1];
+    return arm_angle_between(shoulder, b.shoulder0, t.axis);
+}
+
+bool any_within_limits(const SolveInput& in, const IkSolve& solve) {
+    for (int i = 0; i < solve.num; ++i) {
+        if (within_limits(solve.q_solve[i], in.dof, in.limits)) return true;
+    }
+    return false;
+}
+
+double solution_cost(const SolveInput& in, const IkSolve& solve) {
+    static constexpr float kUnitWeights[ROBOT_DOF] = {1, 1, 1, 1, 1, 1, 1, 1};
+    double cost = 0.0;
+    return select_solution(kUnitWeights, solve, in.dof, in.limits, &cost) >= 0 ? cost : INFINITY;
+}
+
+// Near the shoulder (t2 = 0) or wrist (t6 = 0) singularity, joints 1 and 3 (5 and 7) turn
+// fast with the arm angle, and the arm angle of a reference that does not quite reach the
+// target can land far from it in joint space. There the arm angles at which joint 1 (5)
+// keeps the reference's value are tried too, and the nearest set wins.
+constexpr float kNearSingularSin = 0.1f;
+constexpr float kRefineWindow = 0.2f;  // rad around the reference's arm angle
+
+// Column 2 of R_S(psi) = sin*vs + cos*vc + v0 (the upper-arm axis), or of the wrist rotation.
+struct AxisBlend {
+    Vec3 vs, vc, v0;
+};
+
+AxisBlend upper_arm_axis(const ElbowBranch& b) {
+    return {{b.shoulder_sin[0][2], b.shoulder_sin[1][2], b.shoulder_sin[2][2]},
+            {b.shoulder_cos[0][2], b.shoulder_cos[1][2], b.shoulder_cos[2][2]},
+            {b.shoulder_const[0][2], b.shoulder_const[1][2], b.shoulder_const[2][2]}};
+}
+
+// Column 2 of Ry(-t4) * R_S^T * R: the flange z axis seen from the wrist.
+AxisBlend wrist_axis(const ElbowBranch& b, const Mat3 r) {
+    const auto term = [&](const Mat3 m) {
+        float v[3];
+        for (int i = 0; i < 3; ++i) v[i] = m[0][i] * r[0][2] + m[1][i] * r[1][2] + m[2][i] * r[2][2];
+        return Vec3{b.c4 * v[0] - b.s4 * v[2], v[1], b.s4 * v[0] + b.c4 * v[2]};
+    };
+    return {term(b.shoulder_sin), term(b.shoulder_cos), term(b.shoulder_const)};
+}
+
+// Arm angles within the window around psi0 at which the axis's azimuth is `azimuth` (or
+// opposite it, the ZYZ twin's); returns their count.
+int arm_angles_for_azimuth(const AxisBlend& axis, float azimuth, float psi0, float out[2]) {
+    const float ca = std::cos(azimuth), sa = std::sin(azimuth);
+    const auto across = [&](const Vec3& v) { return ca * v.y - sa * v.x; };
+    // alpha * sin(psi) + beta * cos(psi) + gamma = 0
+    const float alpha = across(axis.vs), beta = across(axis.vc), gamma = across(axis.v0);
+    const float r = std::sqrt(alpha * alpha + beta * beta);
+    if (r < kAxisEps || std::fabs(gamma) > r) return 0;
+    const float phi = fast_atan2(beta, alpha);
+    const float base = std::asin(-gamma / r);
+    int n = 0;
+    for (const float psi : {base - phi, kPi - base - phi}) {
+        const float step = std::remainder(psi - psi0, kTwoPi);
+        if (std::fabs(step) < kRefineWindow) out[n++] = psi0 + step;
+    }
+    return n;
+}
+
+// Replaces the set at psi0 by a nearer one when the reference's arm is near a singularity.
+void refine_near_singularity(const SolveInput& in, const ArmAngleTarget& t, const float* theta_ref, float psi0,
+                             const MiddleSines& sines, IkSolve& out) {
+    const int e = theta_ref[3] >= 0.0f ? 0 : 1;
+    const bool near[2] = {sines.shoulder[e] < kNearSingularSin, sines.wrist[e] < kNearSingularSin};
+    if (!near[0] && !near[1]) return;
+    const ElbowBranch& b = t.elbow[e];
+    const AxisBlend axes[2] = {upper_arm_axis(b), wrist_axis(b, t.rotation)};
+    const float azimuth_ref[2] = {theta_ref[0], theta_ref[4]};
+    double best = solution_cost(in, out);
+    IkSolve candidate;
+    for (int k = 0; k < 2; ++k) {
+        if (!near[k]) continue;
+        float psi[2];
+        const int n = arm_angles_for_azimuth(axes[k], azimuth_ref[k], psi0, psi);
+        for (int i = 0; i < n; ++i) {
+            branches_at(in, t, theta_ref, psi[i], candidate);
+            const double cost = solution_cost(in, candidate);
+            if (cost < best) {
+                best = cost;
+                out = candidate;
+            }
+        }
+    }
+}
+
+}  // namespace
+
+int solve_arm_angle_search(const SolveInput& in, const Matrix& flange, IkSolve& out) {
+    begin_solutions(in, out);
+    const ArmAngleTarget t = arm_angle_target(in.dh, flange);
+    if (!t.reachable) return 0;
+    float theta_ref[ROBOT_DOF];
+    reference_theta(in, theta_ref);
+    const float psi0 = reference_arm_angle(t, theta_ref);
+    // Strategy 0 scores a set 0 when any branch is within the limits, so the first such wins.
+    const bool first_found = g_search_strategy == 0;
+    const auto score = [&](const IkSolve& set) {
+        if (first_found) return any_within_limits(in, set) ? 0.0 : INFINITY;
+        return solution_cost(in, set);
+    };
+    const MiddleSines sines = branches_at(in, t, theta_ref, psi0, out);
+    refine_near_singularity(in, t, theta_ref, psi0, sines, out);
+    double best = score(out);
+    if (first_found && best == 0.0) return out.num;
+    const int steps = static_cast<int>(g_solution_range / Q_STEP_MIN + 1e-3f);
+    IkSolve candidate;
+    for (int k = 1; k <= steps; ++k) {
+        for (const float side : {1.0f, -1.0f}) {
+            branches_at(in, t, theta_ref, psi0 + side * static_cast<float>(k) * Q_STEP_MIN, candidate);
+            const double cost = score(candidate);
+            if (cost < best) {
+                best = cost;
+                out = candidate;
+                if (first_found) return out.num;
+            }
+        }
+    }
+    return out.num;
+}
+
+}  // namespace algo::ik
+
+using namespace algo::ik;
+
+extern "C" {
+
+int inverse_kinematics_qm_75(const Matrix* flange, const float* q_ref, float* q_out) {
+    return solve_flange_target(solve_arm_angle_search, 7, flange, q_ref, q_out);
+}
+
+int inverse_kinematics_tav7(const Matrix* flange, const float* q_ref, float* q_out) {
+    return solve_flange_target(solve_arm_angle_search, 7, flange, q_ref, q_out);
+}
+
+float calculate_arm_angle_from_config_qm75(const float* q) {
+    if (!q) return 0.0f;
+    DH dh;
+    libalgo_get_dh_value(&dh);
+    float theta[ROBOT_DOF];
+    for (int j = 0; j < ROBOT_DOF; ++j) theta[j] = (j < 7 ? q[j] : 0.0f) + dh.offset[j];
+    const float d3 = dh.d[2], d5 = dh.d[4];
+    Mat3 shoulder;
+    zyz_matrix(theta[0], theta[1], theta[2], shoulder);
+    const float vx = d5 * std::sin(theta[3]), vz = d3 + d5 * std::cos(theta[3]);
+    const Vec3 sw = {shoulder[0][0] * vx + shoulder[0][2] * vz, shoulder[1][0] * vx + shoulder[1][2] * vz,
+                     shoulder[2][0] * vx + shoulder[2][2] * vz};
+    const float len = std::sqrt(sw.x * sw.x + sw.y * sw.y + sw.z * sw.z);
+    if (len < kAxisEps) return 0.0f;
+    Mat3 shoulder0;
+    shoulder_zero(sw, vx, vz, shoulder0);
+    return arm_angle_between(shoulder, shoulder0, {sw.x / len, sw.y / len, sw.z / len});
+}
+
+int inverse_kinematics_qm75_for_arm_angle(const float* q_ref, const Pose* target, float arm_angle, float* q_solve) {
+    if (!q_ref || !target || !q_solve) return IKINE_FAILED;
+    const ModelSolver model = model_solver(libalgo_get_robot_type());
+    if (model.solver != solve_arm_angle_search) return IKINE_UNKNOWN_TYPE;
+    const Matrix flange = flange_target(*target, USE_EULER);
+    const SolveInput in = make_solve_input(q_ref, model.dof);
+    const ArmAngleTarget t = arm_angle_target(in.dh, flange);
+    IkSolve solve;
+    begin_solutions(in, solve);
+    if (t.reachable) {
+        float theta_ref[ROBOT_DOF];
+        reference_theta(in, theta_ref);
+        branches_at(in, t, theta_ref, arm_angle, solve);
+    }
+    return pick_solution(in, solve, q_solve);
+}
+
+void ikine_set_7dof_solver_search_strategy(int strategy) {
+    if (strategy == 0 || strategy == 1) g_search_strategy = strategy;
+}
+
+int ikine_get_7dof_solver_search_strategy(void) { return g_search_strategy; }
+
+void ikine_set_solution_range_qm75(float range) {
+    if (std::isnan(range)) return;
+    g_solution_range = std::fmax(Q_STEP_MIN, std::fmin(Q_STEP_MAX, range));
+}
+
+float ikine_get_solution_range_qm75(void) { return g_solution_range; }
+
+}  // extern "C"

@@ -1,0 +1,116 @@
+// Targets at and near the singular configurations of every solver family: a valid branch or a
+// clean failure code, never a NaN.
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <ostream>
+#include <string>
+
+#include "inverse_kinematics_test_support.h"
+
+namespace {
+
+using ik_test::flange_of;
+using ik_test::reaches;
+
+constexpr float kH = 1.5707963f;
+
+struct SingularCase {
+    const char* name;
+    RobotType type;
+    float q[ROBOT_DOF];  // a configuration at the singularity
+};
+
+void PrintTo(const SingularCase& c, std::ostream* os) { *os << c.name; }
+
+// theta = q + offset; QM65 offsets (0, pi/2, pi/2, 0, 0, 0), LUX (0, -pi/2, 0, -pi/2, 0, 0).
+const SingularCase kCases[] = {
+    {"QM65_StretchedUpright", QM65, {0, 0, 0, 0, 0, 0}},
+    {"QM65_WristAligned", QM65, {0.3f, -0.4f, 0.9f, 0.7f, 0, -0.2f}},
+    {"QM65_WristNearlyAligned", QM65, {0.3f, -0.4f, 0.9f, 0.7f, 1e-7f, -0.2f}},
+    {"QM65_ElbowStretched", QM65, {0.3f, -0.6f, 0, 0.7f, 0.5f, -0.2f}},
+    {"QML63II_WristAligned", QML63II, {-1.0f, 0.4f, -0.5f, 0.2f, 0, 1.0f}},
+    {"LUX65_WristAligned", LUX65, {0.5f, -0.8f, 1.2f, 0.3f, 0, 0.4f}},
+    {"LUX65_ElbowStretched", LUX65, {0.5f, -0.8f, 0, 0.3f, 0.6f, 0.4f}},
+    {"LUX65_StretchedLevel", LUX65, {0, kH, 0, kH, 0, 0}},
+    {"QM75_StretchedUpright", QM75, {0, 0, 0, 0, 0, 0, 0}},
+    {"QM75_ElbowStretched", QM75, {0.4f, 0.7f, -0.3f, 0, 0.5f, 0.6f, 0.2f}},
+    {"QM75_ShoulderAligned", QM75, {0.4f, 0, -0.3f, 1.1f, 0.5f, 0.6f, 0.2f}},
+    {"QM75_WristAligned", QM75, {0.4f, 0.7f, -0.3f, 1.1f, 0.5f, 0, 0.2f}},
+    {"TAV72_StretchedUpright", TAV72, {0, 0, 0, 0, 0, 0, 0}},
+    {"TAV72_WristAligned", TAV72, {0.4f, 0.7f, -0.3f, -1.1f, 0.5f, 0, 0.2f}},
+};
+
+class IkSingularity : public ::testing::TestWithParam<SingularCase> {
+protected:
+    void SetUp() override {
+        ASSERT_EQ(libalgo_set_robot_and_sensor_type(GetParam().type, _B), 0);
+        ikine_set_7dof_solver_search_strategy(0);
+        ikine_set_solution_range_qm75(Q_STEP_MAX);
+        dof_ = libalgo_get_rbt_dof();
+    }
+
+    // The solver's answer for target with reference ref, checked for validity.
+    void expect_valid_answer(const Matrix& target, const float* ref) {
+        const Pose pose = ik_test::pose_of(target);
+        float out[ROBOT_DOF] = {};
+        const int rc = inverse_kinematics(ref, &pose, out, USE_QUAT);
+        ASSERT_TRUE(rc == IKINE_SUCCESSFUL || rc == IKINE_LIMITED || rc == IKINE_FAILED) << rc;
+        if (rc == IKINE_SUCCESSFUL) {
+            EXPECT_TRUE(reaches(out, target));
+            EXPECT_EQ(ikine_check_joint_position_limit(out), 0);
+        }
+        IkSolve all;
+        inverse_kinematics_all(&all, ref, &pose, USE_QUAT);
+        for (int i = 0; i < all.num; ++i) EXPECT_TRUE(reaches(all.q_solve[i], target)) << "branch " << i;
+    }
+
+    int dof_ = 6;
+};
+
+TEST_P(IkSingularity, ExactSingularTargetGivesAValidBranch) {
+    const SingularCase& c = GetParam();
+    const Matrix target = flange_of(c.q);
+    float ref[ROBOT_DOF];
+    for (int j = 0; j < ROBOT_DOF; ++j) ref[j] = c.q[j] + (j % 2 == 0 ? 0.01f : -0.01f);
+    expect_valid_answer(target, ref);
+
+    const Pose pose = ik_test::pose_of(target);
+    float out[ROBOT_DOF] = {};
+    ASSERT_EQ(inverse_kinematics(ref, &pose, out, USE_QUAT), IKINE_SUCCESSFUL);
+    // The joints the target leaves free follow the reference, so the answer stays close.
+    EXPECT_LT(ik_test::max_joint_difference(out, ref, dof_), 0.05);
+}
+
+TEST_P(IkSingularity, NearbyTargetsGiveValidBranches) {
+    const SingularCase& c = GetParam();
+    for (const float step : {1e-7f, 1e-6f, 1e-5f, 1e-4f, 1e-3f}) {
+        for (int j = 0; j < dof_; ++j) {
+            SCOPED_TRACE("joint " + std::to_string(j) + " moved by " + std::to_string(step));
+            float q[ROBOT_DOF];
+            for (int k = 0; k < ROBOT_DOF; ++k) q[k] = c.q[k];
+            q[j] += step;
+            expect_valid_answer(flange_of(q), c.q);
+        }
+    }
+}
+
+TEST_P(IkSingularity, TargetJustBeyondReachFailsCleanly) {
+    const SingularCase& c = GetParam();
+    Matrix target = flange_of(c.q);
+    // Push the flange away from the base along its own offset from the first joint.
+    const float x = target.data[0][3], y = target.data[1][3], z = target.data[2][3] - 0.1f;
+    const float n = std::sqrt(x * x + y * y + z * z);
+    target.data[0][3] += 2.0f * x / n;
+    target.data[1][3] += 2.0f * y / n;
+    target.data[2][3] += 2.0f * z / n;
+    const Pose pose = ik_test::pose_of(target);
+    float out[ROBOT_DOF] = {};
+    EXPECT_EQ(inverse_kinematics(c.q, &pose, out, USE_QUAT), IKINE_FAILED);
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryFamily, IkSingularity, ::testing::ValuesIn(kCases),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+}  // namespace
