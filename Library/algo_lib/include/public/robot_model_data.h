@@ -179,7 +179,7 @@ inline constexpr ModelDefaults kQML63III = {
 
 /* Shoulder offset d[1], elbow offset d[2] (negative), joints 2-4 parallel, non-spherical wrist. */
 inline constexpr Row kLuxAlpha = {0, kH, 0, 0, kH, -kH, 0};
-inline constexpr Row kLuxOffset = {0, -kH, 0, -kH, 0, 0, 0};
+inline constexpr Row kLuxOffset = {0, kH, 0, -kH, 0, 0, 0};  // upper arm upright at zero
 inline constexpr Row kLuxVel = {180, 180, 180, 225, 225, 225, 0};
 inline constexpr Row kLuxMax = {178, 178, 160, 178, 178, 360, 0};
 inline constexpr Row kLuxMin = {-178, -178, -160, -178, -178, -360, 0};

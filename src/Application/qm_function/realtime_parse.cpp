@@ -1,0 +1,292 @@
+// Decoding one realtime state datagram into qm_realtime_arm_joint_state_t.
+#include <cstdint>
+#include <cstring>
+#include <span>
+#include <utility>
+
+#include "log.h"
+#include "mio_json.h"
+#include "qm_realtime.h"
+
+namespace {
+
+using Record = qm_realtime_arm_joint_state_t;
+
+float thousandths(int v) {
+    return static_cast<float>(v) / 1000.0f;
+}
+float millionths(int v) {
+    return static_cast<float>(v) / 1000000.0f;
+}
+float per_six(int v) {
+    return static_cast<float>(v) * 6.0f / 1000.0f;
+}
+
+// Copies the elements of a JSON integer array, cut to the record's size.
+template <class T, class Convert>
+void copy_array(const cJSON* array, std::span<T> out, Convert convert) {
+    if (!cJSON_IsArray(array)) return;
+    std::size_t i = 0;
+    for (const cJSON* e = array->child; e && i < out.size(); e = e->next, ++i) out[i] = convert(e->valueint);
+}
+template <class T>
+void copy_array(const cJSON* array, std::span<T> out) {
+    copy_array(array, out, [](int v) { return static_cast<T>(v); });
+}
+
+// A required number member; false when missing or of another type.
+bool read_number(const cJSON* object, const char* key, int& out) {
+    const cJSON* item = MIO_JSON_GetObjectItem(object, key);
+    if (!cJSON_IsNumber(item)) return false;
+    out = item->valueint;
+    return true;
+}
+
+void copy_text(const cJSON* object, const char* key, std::span<char> out) {
+    const char* text = MIO_JSON_GetObjectItemStr(object, key);
+    if (!text) return;
+    std::strncpy(out.data(), text, out.size() - 1);
+    out.back() = '\0';
+}
+
+// "disable" or "offline" in place of an end-effector section.
+bool read_plus_text(const cJSON* item, Record& s) {
+    if (std::strcmp(item->valuestring, "disable") == 0) {
+        s.qm_plus_state = 1;
+        return true;
+    }
+    if (std::strcmp(item->valuestring, "offline") == 0) {
+        s.qm_plus_state = 2;
+        return true;
+    }
+    qm_log_warn("[qm_realtime_arm_joint_state] parse qm_plus_state :%s\n", item->valuestring);
+    return false;
+}
+
+bool read_plus_state(const cJSON* item, Record& s) {
+    if (cJSON_IsString(item)) return read_plus_text(item, s);
+    if (!cJSON_IsObject(item)) return true;
+    qm_plus_state_info_t& info = s.plus_state_info;
+    read_number(item, "sys_state", info.sys_state);
+    const std::pair<const char*, std::span<int>> arrays[] = {
+        {"dof_state", info.dof_state},
+        {"dof_err", info.dof_err},
+        {"pos", info.pos},
+        {"speed", info.speed},
+        {"angle", info.angle},
+        {"current", info.current},
+        {"normal_force", info.normal_force},
+        {"tangential_force", info.tangential_force},
+        {"tangential_force_dir", info.tangential_force_dir},
+        {"touch_data", info.touch_data},
+        {"force", info.force},
+    };
+    for (const auto& [key, out] : arrays) copy_array(MIO_JSON_GetObjectItem(item, key), out);
+    copy_array(MIO_JSON_GetObjectItem(item, "tsa"), std::span<uint32_t>(info.tsa));
+    copy_array(MIO_JSON_GetObjectItem(item, "tma"), std::span<uint32_t>(info.tma));
+    return true;
+}
+
+bool read_plus_base(const cJSON* item, Record& s) {
+    if (cJSON_IsString(item)) return read_plus_text(item, s);
+    if (!cJSON_IsObject(item)) return true;
+    qm_plus_base_info_t& info = s.plus_base_info;
+    const std::pair<const char*, std::span<char>> texts[] = {
+        {"manu", info.manu}, {"hv", info.hv}, {"sv", info.sv}, {"bv", info.bv}};
+    for (const auto& [key, out] : texts) copy_text(item, key, out);
+    const std::pair<const char*, int*> numbers[] = {
+        {"type", &info.type},         {"id", &info.id},    {"dof", &info.dof},
+        {"check", &info.check},       {"bee", &info.bee},  {"touch_num", &info.touch_num},
+        {"touch_sw", &info.touch_sw}, {"hand", &info.hand}};
+    for (const auto& [key, out] : numbers) read_number(item, key, *out);
+    const std::pair<const char*, bool*> flags[] = {{"force", &info.force}, {"touch", &info.touch}};
+    for (const auto& [key, out] : flags)
+        if (int flag = MIO_JSON_GetObjectItemBool(item, key); flag >= 0) *out = flag == 1;
+    const std::pair<const char*, std::span<int>> arrays[] = {
+        {"pos_up", info.pos_up},       {"pos_low", info.pos_low},    {"angle_up", info.angle_up},
+        {"angle_low", info.angle_low}, {"speed_up", info.speed_up},  {"speed_low", info.speed_low},
+        {"force_up", info.force_up},   {"force_low", info.force_low}};
+    for (const auto& [key, out] : arrays) copy_array(MIO_JSON_GetObjectItem(item, key), out);
+    return true;
+}
+
+bool read_aloha(const cJSON* item, Record& s) {
+    return read_number(item, "io1_state", s.aloha_state.io1_state) &&
+           read_number(item, "io2_state", s.aloha_state.io2_state);
+}
+
+bool read_status(const cJSON* item, Record& s) {
+    if (cJSON_IsString(item)) s.arm_current_status = get_arm_status_from_string(item->valuestring);
+    return true;
+}
+
+bool read_hand(const cJSON* item, Record& s) {
+    qm_udp_hand_state_t& hand = s.handState;
+    const std::pair<const char*, std::span<int>> arrays[] = {{"hand_pos", hand.hand_pos},
+                                                             {"hand_angle", hand.hand_angle},
+                                                             {"hand_force", hand.hand_force},
+                                                             {"hand_state", hand.hand_state}};
+    for (const auto& [key, out] : arrays) {
+        const cJSON* array = MIO_JSON_GetObjectItem(item, key);
+        if (!cJSON_IsArray(array)) return false;
+        copy_array(array, out);
+    }
+    return read_number(item, "hand_err", hand.hand_err);
+}
+
+// The number members of a section, and its position scaled by 1000.
+bool read_numbers(const cJSON* item, std::span<const std::pair<const char*, int*>> numbers, float& pos) {
+    int raw = 0;
+    if (!read_number(item, "pos", raw)) return false;
+    pos = thousandths(raw);
+    for (const auto& [key, out] : numbers)
+        if (!read_number(item, key, *out)) return false;
+    return true;
+}
+
+bool read_lift(const cJSON* item, Record& s) {
+    qm_udp_lift_state_t& lift = s.liftState;
+    const std::pair<const char*, int*> numbers[] = {{"height", &lift.height},
+                                                    {"current", &lift.current},
+                                                    {"err_flag", &lift.err_flag},
+                                                    {"en_flag", &lift.en_flag}};
+    return read_numbers(item, numbers, lift.pos);
+}
+
+bool read_expand(const cJSON* item, Record& s) {
+    qm_udp_expand_state_t& expand = s.expandState;
+    const std::pair<const char*, int*> numbers[] = {{"joint_id", &expand.joint_id},
+                                                    {"mode", &expand.mode},
+                                                    {"current", &expand.current},
+                                                    {"err_flag", &expand.err_flag},
+                                                    {"en_flag", &expand.en_flag}};
+    return read_numbers(item, numbers, expand.pos);
+}
+
+bool read_joint_status(const cJSON* item, Record& s) {
+    if (!cJSON_IsObject(item)) return false;
+    qm_joint_status_t& joints = s.joint_status;
+    const std::pair<const char*, std::span<float>> thousandth_arrays[] = {
+        {"joint_position", joints.joint_position},
+        {"joint_current", joints.joint_current},
+        {"joint_temperature", joints.joint_temperature},
+        {"joint_voltage", joints.joint_voltage}};
+    for (const auto& [key, out] : thousandth_arrays)
+        copy_array(MIO_JSON_GetObjectItem(item, key), out, thousandths);
+    copy_array(MIO_JSON_GetObjectItem(item, "joint_en_flag"), std::span<bool>(joints.joint_en_flag),
+               [](int v) { return v != 0; });
+    copy_array(MIO_JSON_GetObjectItem(item, "joint_err_code"), std::span<uint16_t>(joints.joint_err_code));
+    copy_array(MIO_JSON_GetObjectItem(item, "joint_speed"), std::span<float>(joints.joint_speed), per_six);
+    return true;
+}
+
+bool read_force_sensor(const cJSON* item, Record& s) {
+    if (!cJSON_IsObject(item)) return true;
+    qm_force_sensor_t& sensor = s.force_sensor;
+    copy_array(MIO_JSON_GetObjectItem(item, "force"), std::span<float>(sensor.force), thousandths);
+    copy_array(MIO_JSON_GetObjectItem(item, "zero_force"), std::span<float>(sensor.zero_force), thousandths);
+    read_number(item, "coordinate", sensor.coordinate);
+    return true;
+}
+
+// An array member of exactly `size` elements, converted into `out`.
+bool read_exact(const cJSON* object, const char* key, std::span<float> out, float (*convert)(int)) {
+    const cJSON* array = MIO_JSON_GetObjectItem(object, key);
+    if (!cJSON_IsArray(array) || cJSON_GetArraySize(array) != static_cast<int>(out.size())) return false;
+    copy_array(array, out, convert);
+    return true;
+}
+
+bool read_waypoint(const cJSON* item, Record& s) {
+    qm_pose_t& pose = s.waypoint;
+    float quat[4], euler[3], position[3];
+    if (!read_exact(item, "quat", quat, millionths) || !read_exact(item, "euler", euler, thousandths) ||
+        !read_exact(item, "position", position, millionths))
+        return false;
+    pose.quaternion = {quat[0], quat[1], quat[2], quat[3]};
+    pose.euler = {euler[0], euler[1], euler[2]};
+    pose.position = {position[0], position[1], position[2]};
+    return true;
+}
+
+bool read_err(const cJSON* item, Record& s) {
+    const int count = cJSON_GetArraySize(item);
+    if (!cJSON_IsArray(item) || count < 1) return false;
+    copy_array(item, std::span<int>(s.err.err));
+    constexpr int kMax = static_cast<int>(sizeof s.err.err / sizeof s.err.err[0]);
+    s.err.err_len = static_cast<uint8_t>(count < kMax ? count : kMax);
+    return true;
+}
+
+struct Section {
+    const char* key;
+    bool required;
+    bool (*read)(const cJSON* item, Record& s);
+};
+
+// In the order they are read: the one-axis force sensor follows the six-axis one and wins.
+constexpr Section kSections[] = {
+    {"qm_plus_state", false, read_plus_state},
+    {"qm_plus_base", false, read_plus_base},
+    {"aloha_state", false, read_aloha},
+    {"arm_current_status", false, read_status},
+    {"hand", false, read_hand},
+    {"lift_state", false, read_lift},
+    {"expand_state", false, read_expand},
+    {"joint_status", true, read_joint_status},
+    {"six_force_sensor", false, read_force_sensor},
+    {"one_force_sensor", false, read_force_sensor},
+    {"waypoint", true, read_waypoint},
+    {"err", true, read_err},
+};
+
+struct StatusName {
+    const char* text;
+    qm_udp_arm_current_status_e status;
+};
+
+constexpr StatusName kStatusNames[] = {
+    {"idle", QM_IDLE_E},
+    {"move_L", QM_MOVE_L_E},
+    {"move_J", QM_MOVE_J_E},
+    {"move_C", QM_MOVE_C_E},
+    {"move_S", QM_MOVE_S_E},
+    {"move_through_joint", QM_MOVE_THROUGH_JOINT_E},
+    {"move_through_pose", QM_MOVE_THROUGH_POSE_E},
+    {"move_through_force_pose", QM_MOVE_THROUGH_FORCE_POSE_E},
+    {"move_through_current", QM_MOVE_THROUGH_CURRENT_E},
+    {"stop", QM_STOP_E},
+    {"slow_stop", QM_SLOW_STOP_E},
+    {"pause", QM_PAUSE_E},
+    {"current_drag", QM_CURRENT_DRAG_E},
+    {"sensor_drag", QM_SENSOR_DRAG_E},
+    {"tech_demonstration", QM_TECH_DEMONSTRATION_E},
+};
+
+}  // namespace
+
+qm_udp_arm_current_status_e get_arm_status_from_string(const char* status_str) {
+    if (!status_str) return QM_IDLE_E;
+    for (const StatusName& name : kStatusNames)
+        if (std::strcmp(name.text, status_str) == 0) return name.status;
+    return QM_IDLE_E;
+}
+
+int parse_qm_realtime_arm_joint_state(const char* json_str, qm_realtime_arm_joint_state_t* robotstate) {
+    if (!robotstate) return -3;
+    *robotstate = {};
+    JsonPtr root = json_parse(json_str);
+    if (!root) {
+        qm_log_error("[qm_realtime_arm_joint_state] parse err\n");
+        return -3;
+    }
+    for (const Section& section : kSections) {
+        const cJSON* item = MIO_JSON_GetObjectItem(root.get(), section.key);
+        if (!item) {
+            if (section.required) return -3;
+            continue;
+        }
+        if (!section.read(item, *robotstate)) return -3;
+    }
+    return 0;
+}

@@ -1,0 +1,295 @@
+// The reply mailbox: filing by key, taking by key, its overwrite rules, the listener flag,
+// events and drag-teach points. White-box: lines are filed into a connection record directly.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <fstream>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "log_capture.h"
+#include "qm_drag_teach.h"
+#include "qm_handle.h"
+#include "qm_interface.h"
+#include "qm_mailbox.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+
+class Mailbox : public ::testing::Test {
+protected:
+    Mailbox() {
+        record->fifo_handle = std::make_unique<qm_socket_fifo_handle>();
+        record->robot_handle.id = 3;
+        event_listener.flag = 0;
+    }
+
+    void file(const std::string& line) { fifo_file_line(*record, line); }
+    // {"state":"<key>","n":<n>}
+    void file_state(const std::string& key, int n = 0) {
+        file(R"({"state":")" + key + R"(","n":)" + std::to_string(n) + "}");
+    }
+    // The line taken under `key`, or "" when none.
+    std::string take(const std::string& key) {
+        char buf[FIFO_LINE_MAX] = {};
+        return fifo_take_line(*record->fifo_handle, key.c_str(), buf, sizeof buf) >= 0 ? buf : "";
+    }
+    int used_entries() const {
+        int used = 0;
+        for (const auto& entry : record->fifo_handle->fifo) used += entry.is_used;
+        return used;
+    }
+
+    std::shared_ptr<qm_handle_t> record = std::make_shared<qm_handle_t>();
+};
+
+TEST_F(Mailbox, ReplyIsFiledUnderItsStateBeforeItsCommand) {
+    file(R"({"command":"get_x","state":"x_state"})");
+    EXPECT_EQ(take("get_x"), "");
+    EXPECT_EQ(take("x_state"), R"({"command":"get_x","state":"x_state"})");
+}
+
+TEST_F(Mailbox, ReplyWithoutStateIsFiledUnderItsCommand) {
+    file(R"({"command":"current_joint_temperature","joint_temperature":[1,2]})");
+    EXPECT_EQ(take("current_joint_temperature"),
+              R"({"command":"current_joint_temperature","joint_temperature":[1,2]})");
+    EXPECT_EQ(take("current_joint_temperature"), "") << "a taken line is gone";
+}
+
+TEST_F(Mailbox, TakingReturnsTheStoredLengthAndCutsToTheBuffer) {
+    const std::string line = R"({"command":"abc","v":12345})";
+    file(line);
+    char small[8] = {};
+    EXPECT_EQ(fifo_take_line(*record->fifo_handle, "abc", small, sizeof small),
+              static_cast<int>(line.size()));
+    EXPECT_EQ(std::string(small), line.substr(0, 7));
+}
+
+TEST_F(Mailbox, UnparsableLineIsDropped) {
+    file(R"({"command":"x",)");
+    EXPECT_EQ(used_entries(), 0);
+}
+
+TEST_F(Mailbox, ConductProjectRepliesAreNeverStored) {
+    file(R"({"command":"conduct_project","state":true})");
+    file(R"({"state":"conduct_project"})");
+    EXPECT_EQ(used_entries(), 0);
+    EXPECT_EQ(take("conduct_project"), "");
+}
+
+TEST_F(Mailbox, FirstEntryByIndexWinsOverTheOldest) {
+    file_state("other");      // entry 0
+    file_state("wanted", 1);  // entry 1, older
+    ASSERT_NE(take("other"), "");
+    file_state("wanted", 2);  // entry 0 again, newer
+    EXPECT_EQ(take("wanted"), R"({"state":"wanted","n":2})");
+    EXPECT_EQ(take("wanted"), R"({"state":"wanted","n":1})");
+}
+
+TEST_F(Mailbox, UncollectedLineIsOverwrittenAfterFiftyLaterArrivals) {
+    file_state("old");  // arrival 1, entry 0
+    for (int i = 0; i < 50; ++i) {
+        file_state("passing", i);
+        ASSERT_NE(take("passing"), "");
+    }
+    ASSERT_EQ(take("old").empty(), false) << "still there after 50 later arrivals";
+    file_state("old");  // arrival 52 in entry 0 again
+    for (int i = 0; i < 50; ++i) {
+        file_state("passing", i);
+        ASSERT_NE(take("passing"), "");
+    }
+    file_state("newcomer");  // arrival 103: entry 0 (arrival 52) is stale now
+    EXPECT_EQ(take("old"), "");
+    EXPECT_EQ(take("newcomer"), R"({"state":"newcomer","n":0})");
+}
+
+TEST_F(Mailbox, FullMailboxGivesUpItsOldestEntry) {
+    for (int i = 0; i < SOCKET_FIFO_MAX - 1; ++i) file_state("k" + std::to_string(i));
+    ASSERT_EQ(used_entries(), SOCKET_FIFO_MAX - 1);
+    // The fortieth line reaches the last entry, which first clears the oldest one.
+    file_state("k39");
+    EXPECT_EQ(used_entries(), SOCKET_FIFO_MAX - 1);
+    file_state("late");
+    EXPECT_EQ(take("k0"), "");
+    EXPECT_EQ(take("late"), R"({"state":"late","n":0})");
+    EXPECT_EQ(take("k1"), R"({"state":"k1","n":0})");
+    EXPECT_EQ(take("k39"), R"({"state":"k39","n":0})");
+    EXPECT_EQ(min_index.load(), 0);
+    EXPECT_EQ(min_time.load(), 0u);
+}
+
+TEST_F(Mailbox, LineFindingNoFreshEntryIsDropped) {
+    for (int i = 0; i < SOCKET_FIFO_MAX; ++i) file_state("k" + std::to_string(i));
+    file_state("late");  // entry 0 is free again and takes it
+    // Now all 40 are in use and fresh: the oldest is cleared, the line has no room.
+    file_state("dropped");
+    EXPECT_EQ(take("dropped"), "");
+    EXPECT_EQ(take("late"), "");
+    EXPECT_EQ(used_entries(), SOCKET_FIFO_MAX - 1);
+}
+
+TEST_F(Mailbox, ArrivalCounterCountsEveryOfferedLine) {
+    file_state("a");
+    file("not json");
+    file(R"({"command":"conduct_project"})");
+    EXPECT_EQ(record->fifo_handle->current_time, 3u);
+    EXPECT_EQ(record->fifo_handle->fifo[0].time, 1u);
+}
+
+TEST_F(Mailbox, LineOfTenThousandTwoHundredFortyBytesIsRefused) {
+    qm_test::LogCapture log(LOG_LEVEL_ERROR);
+    const std::string head = R"({"command":"big","pad":")";
+    std::string fits = head + std::string(FIFO_LINE_MAX - 1 - head.size() - 2, 'x') + "\"}";
+    ASSERT_EQ(fits.size(), static_cast<size_t>(FIFO_LINE_MAX - 1));
+    file(fits);
+    EXPECT_EQ(take("big"), fits);
+    std::string too_long = head + std::string(FIFO_LINE_MAX - head.size() - 2, 'x') + "\"}";
+    ASSERT_EQ(too_long.size(), static_cast<size_t>(FIFO_LINE_MAX));
+    file(too_long);
+    EXPECT_EQ(take("big"), "");
+    EXPECT_TRUE(log.mentions("refused"));
+}
+
+TEST_F(Mailbox, KeyOfFiftyCharactersIsRefused) {
+    qm_test::LogCapture log(LOG_LEVEL_ERROR);
+    const std::string key49(49, 'k');
+    const std::string key50(50, 'k');
+    file_state(key49);
+    file_state(key50);
+    EXPECT_NE(take(key49), "");
+    EXPECT_EQ(take(key50), "");
+    EXPECT_EQ(used_entries(), 0);
+    EXPECT_TRUE(log.mentions("refused"));
+}
+
+TEST_F(Mailbox, ListenerFlagDiscardsTheNextTrajectoryEvent) {
+    file(R"({"state":"current_trajectory_state","trajectory_state":true,"device":0,"trajectory_connect":0})");
+    file_state("reply");
+    event_listener.flag = 1;
+    EXPECT_EQ(take("reply"), "") << "the discard ends this take";
+    EXPECT_EQ(event_listener.flag.load(), 0);
+    EXPECT_EQ(take("reply"), R"({"state":"reply","n":0})");
+    EXPECT_EQ(take("current_trajectory_state"), "");
+}
+
+TEST_F(Mailbox, ListenerFlagTwoDiscardsTheNextProgramEvent) {
+    file(R"({"state":"program_run_finish","finish_id":4})");
+    event_listener.flag = 2;
+    EXPECT_EQ(take("program_run_finish"), "");
+    EXPECT_EQ(event_listener.flag.load(), 0);
+    EXPECT_EQ(used_entries(), 0);
+}
+
+TEST_F(Mailbox, WaitingTakeLooksPastADiscardedEvent) {
+    file(R"({"state":"current_trajectory_state","trajectory_state":true,"device":0,"trajectory_connect":0})");
+    file_state("reply");
+    event_listener.flag = 1;
+    char buf[256] = {};
+    EXPECT_GT(
+        fifo_wait_line(*record->fifo_handle, "reply", buf, sizeof buf, std::chrono::steady_clock::now()), 0);
+}
+
+TEST_F(Mailbox, WaitingTakeWakesWhenTheLineIsFiled) {
+    std::thread filer([&] {
+        std::this_thread::sleep_for(20ms);
+        file_state("late");
+    });
+    char buf[256] = {};
+    const auto deadline = std::chrono::steady_clock::now() + 5s;
+    EXPECT_GT(fifo_wait_line(*record->fifo_handle, "late", buf, sizeof buf, deadline), 0);
+    EXPECT_LT(std::chrono::steady_clock::now(), deadline - 4s) << "woken by the filing, not the deadline";
+    filer.join();
+}
+
+// ---- events ----
+
+std::vector<qm_event_push_data_t> g_events;
+void collect_event(qm_event_push_data_t data) {
+    g_events.push_back(data);
+}
+
+class MailboxEvents : public Mailbox {
+protected:
+    MailboxEvents() {
+        g_events.clear();
+        qm_get_arm_event_call_back(collect_event);
+    }
+};
+
+TEST_F(MailboxEvents, TrajectoryEventReachesTheCallbackAndStaysFiled) {
+    file(R"({"state":"current_trajectory_state","trajectory_state":true,"device":2,"trajectory_connect":1})");
+    ASSERT_EQ(g_events.size(), 1u);
+    EXPECT_EQ(g_events[0].handle_id, 3);
+    EXPECT_EQ(g_events[0].event_type, QM_CURRENT_TRAJECTORY_STATE_E);
+    EXPECT_TRUE(g_events[0].trajectory_state);
+    EXPECT_EQ(g_events[0].device, 2);
+    EXPECT_EQ(g_events[0].trajectory_connect, 1);
+    EXPECT_EQ(g_events[0].program_id, 0);
+    EXPECT_NE(take("current_trajectory_state"), "");
+}
+
+TEST_F(MailboxEvents, ProgramFinishedEventCarriesTheProgramId) {
+    file(R"({"state":"program_run_finish","finish_id":17})");
+    ASSERT_EQ(g_events.size(), 1u);
+    EXPECT_EQ(g_events[0].event_type, QM_PROGRAM_RUN_FINISH_E);
+    EXPECT_EQ(g_events[0].program_id, 17);
+    EXPECT_EQ(g_events[0].device, 0);
+    EXPECT_FALSE(g_events[0].trajectory_state);
+    EXPECT_EQ(g_events[0].trajectory_connect, 0);
+}
+
+TEST_F(MailboxEvents, NullCallbackKeepsThePreviousOne) {
+    qm_get_arm_event_call_back(nullptr);
+    file(R"({"state":"program_run_finish","finish_id":1})");
+    EXPECT_EQ(g_events.size(), 1u);
+}
+
+TEST_F(MailboxEvents, OtherRepliesRaiseNoEvent) {
+    file(R"({"command":"movej","receive_state":true})");
+    EXPECT_TRUE(g_events.empty());
+}
+
+// ---- drag-teach points ----
+
+class DragTeachPoints : public Mailbox {
+protected:
+    DragTeachPoints() { EXPECT_TRUE(drag_teach_file_open(path.c_str())); }
+    ~DragTeachPoints() override {
+        drag_teach_file_close();
+        std::remove(path.c_str());
+    }
+    std::string saved() const {
+        std::ifstream in(path, std::ios::binary);
+        std::stringstream text;
+        text << in.rdbuf();
+        return text.str();
+    }
+    std::string path = ::testing::TempDir() + "drag_points_" + std::to_string(::getpid()) + ".txt";
+};
+
+TEST_F(DragTeachPoints, PointLinesAreWrittenToTheSaveFileUntilTheTotal) {
+    drag_teach_total_num = 2;
+    file(R"({"point":[1,2,3]})");
+    EXPECT_EQ(drag_teach_save_start.load(), 1);
+    EXPECT_EQ(drag_teach_save_complete.load(), 0);
+    file(R"({"point":[4,5,6]})");
+    EXPECT_EQ(drag_teach_count.load(), 2);
+    EXPECT_EQ(drag_teach_save_complete.load(), 1);
+    EXPECT_EQ(saved(), "{\"point\":[1,2,3]}\r\n{\"point\":[4,5,6]}\r\n");
+    EXPECT_EQ(used_entries(), 0) << "points are not stored in the mailbox";
+}
+
+TEST_F(DragTeachPoints, LineWithoutKeyOrPointArrayFailsTheSave) {
+    qm_test::LogCapture log(LOG_LEVEL_ERROR);
+    file(R"({"point":7})");
+    EXPECT_EQ(drag_teach_save_state.load(), 1);
+    EXPECT_TRUE(log.contains("Error: 'point' is not an array. {\"point\":7}\n"));
+    EXPECT_EQ(saved(), "");
+}
+
+}  // namespace
