@@ -71,11 +71,6 @@ protected:
     SingleThreadArm() : ConnectedArm(QM_SINGLE_MODE_E) {}
 };
 
-class TripleModeArm : public ConnectedArm {
-protected:
-    TripleModeArm() : ConnectedArm(QM_TRIPLE_MODE_E) {}
-};
-
 }  // namespace core_test
 
 #endif

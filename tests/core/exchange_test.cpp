@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <ostream>
 #include <thread>
 
 #include "connected_arm.h"
@@ -13,10 +12,9 @@ namespace core_test {
 namespace {
 
 using qm_test::LogCapture;
-
-// ---- requests ----
-
 using Exchange = ConnectedArm;
+
+// ---- requests and the generic set/get ----
 
 TEST_F(Exchange, RequestTableGoesOutAsOneCompactLine) {
     const int values[] = {1, -2, 3};
@@ -39,62 +37,40 @@ TEST_F(Exchange, RequestTableGoesOutAsOneCompactLine) {
 }
 
 TEST_F(Exchange, GenericSetSendsItsIntegerAndJudgesSetState) {
-    controller.reply("set_x", R"({"command":"set_x","set_state":true})");
-    EXPECT_EQ(qm_set_data_common(arm(), 42, "set_x", "value"), 0);
-    EXPECT_EQ(controller.received(), "{\"command\":\"set_x\",\"value\":42}\r\n");
+    const struct {
+        const char* reply;
+        int result;
+        const char* message;  // nullptr: nothing at error level
+    } rows[] = {
+        {R"({"command":"set_x","set_state":true})", 0, nullptr},
+        {R"({"command":"set_x","set_state":false})", 1, "[qm_set_data_common] set_state: false\n"},
+        {R"({"command":"set_x"})", -3, "[qm_set_data_common] set_state command parse err\n"},
+        {R"({"command":"set_x","set_state":1})", -3, "[qm_set_data_common] set_state command parse err\n"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.reply);
+        LogCapture log(LOG_LEVEL_ERROR);
+        controller.clear_received();
+        controller.reply("set_x", row.reply);
+        EXPECT_EQ(qm_set_data_common(arm(), 42, "set_x", "value"), row.result);
+        EXPECT_EQ(controller.received(), "{\"command\":\"set_x\",\"value\":42}\r\n");
+        EXPECT_TRUE(row.message ? log.contains(row.message) : log.messages().empty());
+    }
 }
 
-TEST_F(Exchange, GenericGetStoresTheInteger) {
+TEST_F(Exchange, GenericGetStoresTheIntegerOrReportsItMissing) {
     controller.reply("get_x", R"({"command":"get_x","value":-5})");
     int value = 0;
     EXPECT_EQ(qm_get_data_common(arm(), &value, "get_x", "value"), 0);
     EXPECT_EQ(value, -5);
     EXPECT_EQ(controller.received(), "{\"command\":\"get_x\"}\r\n");
-}
 
-TEST_F(Exchange, GenericGetOfAMissingMemberIsMalformed) {
     LogCapture log(LOG_LEVEL_ERROR);
     controller.reply("get_x", R"({"command":"get_x"})");
-    int value = 3;
     EXPECT_EQ(qm_get_data_common(arm(), &value, "get_x", "value"), -3);
-    EXPECT_EQ(value, 3);
+    EXPECT_EQ(value, -5);
     EXPECT_TRUE(log.contains("[qm_get_data_common] value parsing error\n"));
 }
-
-struct SetReplyCase {
-    const char* name;
-    const char* reply;
-    int result;
-    const char* message;  // "" for none at error level
-};
-// Names the case in test listings.
-void PrintTo(const SetReplyCase& c, std::ostream* os) {
-    *os << c.name;
-}
-
-class GenericSetJudgement : public ConnectedArm, public ::testing::WithParamInterface<SetReplyCase> {};
-
-TEST_P(GenericSetJudgement, ReturnsTheVerdictOfTheReply) {
-    LogCapture log(LOG_LEVEL_ERROR);
-    controller.reply("set_x", GetParam().reply);
-    EXPECT_EQ(qm_set_data_common(arm(), 1, "set_x", "value"), GetParam().result);
-    if (*GetParam().message) {
-        EXPECT_TRUE(log.contains(GetParam().message));
-    } else {
-        EXPECT_TRUE(log.messages().empty());
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Replies, GenericSetJudgement,
-    ::testing::Values(SetReplyCase{"accepted", R"({"command":"set_x","set_state":true})", 0, ""},
-                      SetReplyCase{"refused", R"({"command":"set_x","set_state":false})", 1,
-                                   "[qm_set_data_common] set_state: false\n"},
-                      SetReplyCase{"missing", R"({"command":"set_x"})", -3,
-                                   "[qm_set_data_common] set_state command parse err\n"},
-                      SetReplyCase{"not_boolean", R"({"command":"set_x","set_state":1})", -3,
-                                   "[qm_set_data_common] set_state command parse err\n"}),
-    [](const auto& info) { return std::string(info.param.name); });
 
 // ---- failure codes ----
 
@@ -111,14 +87,10 @@ TEST_F(Exchange, MissingReplyTimesOutWithRevice) {
     EXPECT_TRUE(log.contains("[test_exchange] get_nothing revice error\n"));
 }
 
-TEST_F(Exchange, WaitWithoutRequestTimesOutSilently) {
+TEST_F(Exchange, WaitWithoutRequestTimesOutSilentlyExceptForPoints) {
     LogCapture log(LOG_LEVEL_DEBUG);
     EXPECT_EQ(await("nothing"), -2);
     EXPECT_FALSE(log.mentions("revice"));
-}
-
-TEST_F(Exchange, WaitForPointsEndsWithSaveTrajectoryComplete) {
-    LogCapture log(LOG_LEVEL_DEBUG);
     EXPECT_EQ(await("point"), -2);
     EXPECT_TRUE(log.contains("[test_await] point save_trajectory complete\n"));
 }
@@ -150,17 +122,12 @@ TEST_F(Exchange, PeerCloseIsReportedAndLaterSendsFail) {
 
 // ---- routing ----
 
-TEST_F(Exchange, ReplyKeyedByStateIsFoundUnderThatState) {
-    controller.reply("go", R"({"command":"go","state":"went"})");
+TEST_F(Exchange, ReplyKeyedByStateIsFoundUnderThatStateWithItsLength) {
+    const std::string line = R"({"command":"go","state":"went"})";
+    controller.reply("go", line);
     std::string reply;
-    EXPECT_GT(exchange("go", "went", &reply), 0);
-    EXPECT_EQ(reply, R"({"command":"go","state":"went"})");
-}
-
-TEST_F(Exchange, ReplyLengthIsReturned) {
-    const std::string line = R"({"command":"get_x","value":1})";
-    controller.reply("get_x", line);
-    EXPECT_EQ(exchange("get_x", "get_x"), static_cast<int>(line.size()));
+    EXPECT_EQ(exchange("go", "went", &reply), static_cast<int>(line.size()));
+    EXPECT_EQ(reply, line);
 }
 
 TEST_F(Exchange, LateReplyGoesToTheNextWaiterForItsKey) {
@@ -171,10 +138,17 @@ TEST_F(Exchange, LateReplyGoesToTheNextWaiterForItsKey) {
     EXPECT_EQ(reply, R"({"command":"get_x","value":1})");
 }
 
-TEST_F(Exchange, TwoRepliesInOneWriteAreBothFiled) {
-    controller.push("{\"command\":\"first\"}\r\n{\"command\":\"second\"}\r\n");
-    EXPECT_GT(await("second", nullptr, 500), 0);
+TEST_F(Exchange, StreamOdditiesDoNotCostTheRepliesAroundThem) {
+    LogCapture log(LOG_LEVEL_ERROR);
+    controller.push("garbage without end");
+    controller.push("}{ nonsense\r\n");
+    controller.push("{\"pad\":\"" + std::string(30000, 'x') + "\"}\r\n");
+    controller.push("{\"command\":\"first\"}\r\n{\"command\":\"second\"}\r\n");  // two in one write
+    EXPECT_GT(await("second", nullptr, 1000), 0);
     EXPECT_GT(await("first"), 0);
+    EXPECT_TRUE(log.mentions("refused"));
+    controller.push(R"({"command":"bare"})");  // a complete object without line end
+    EXPECT_GT(await("bare", nullptr, 500), 0);
 }
 
 TEST_F(Exchange, ReplySplitOverSeveralWritesIsJoined) {
@@ -185,21 +159,6 @@ TEST_F(Exchange, ReplySplitOverSeveralWritesIsJoined) {
     std::string reply;
     EXPECT_GT(exchange("get_x", "get_x", &reply, 1000), 0);
     EXPECT_EQ(reply, R"({"command":"get_x","value":{"a":1}})");
-}
-
-TEST_F(Exchange, CompleteObjectWithoutLineEndIsFiled) {
-    controller.push(R"({"command":"bare"})");
-    EXPECT_GT(await("bare", nullptr, 500), 0);
-}
-
-TEST_F(Exchange, GarbageAndOverlongLinesDoNotCostTheNextReply) {
-    LogCapture log(LOG_LEVEL_ERROR);
-    controller.push("garbage without end");
-    controller.push("}{ nonsense\r\n");
-    controller.push("{\"pad\":\"" + std::string(30000, 'x') + "\"}\r\n");
-    controller.push_line(R"({"command":"after"})");
-    EXPECT_GT(await("after", nullptr, 1000), 0);
-    EXPECT_TRUE(log.mentions("refused"));
 }
 
 TEST_F(Exchange, FloodOnOneConnectionDoesNotStallAnother) {
@@ -223,42 +182,18 @@ TEST_F(Exchange, FloodOnOneConnectionDoesNotStallAnother) {
     qm_delete_robot_arm(second);
 }
 
-// ---- events over the connection ----
-
-std::atomic<int> g_event_count{0};
-qm_event_push_data_t g_last_event{};
-std::mutex g_event_mutex;
-
-void remember_event(qm_event_push_data_t data) {
-    std::lock_guard lock(g_event_mutex);
-    g_last_event = data;
-    ++g_event_count;
-}
-
-TEST_F(Exchange, PushedEventReachesTheCallbackWithTheConnectionId) {
-    qm_get_arm_event_call_back(remember_event);
-    const int before = g_event_count;
-    controller.push_line(
-        R"({"state":"current_trajectory_state","trajectory_state":true,"device":1,"trajectory_connect":0})");
-    for (int i = 0; i < 200 && g_event_count == before; ++i) std::this_thread::sleep_for(2ms);
-    std::lock_guard lock(g_event_mutex);
-    ASSERT_EQ(g_event_count, before + 1);
-    EXPECT_EQ(g_last_event.handle_id, arm()->id);
-    EXPECT_EQ(g_last_event.event_type, QM_CURRENT_TRAJECTORY_STATE_E);
-    EXPECT_TRUE(g_last_event.trajectory_state);
-    EXPECT_EQ(g_last_event.device, 1);
-    EXPECT_EQ(g_last_event.trajectory_connect, 0);
-}
-
 // ---- single-thread mode ----
 
 using SingleThreadExchange = SingleThreadArm;
 
-TEST_F(SingleThreadExchange, CommandReadsItsOwnReply) {
-    controller.reply("get_x", R"({"command":"get_x","value":11})");
+TEST_F(SingleThreadExchange, CommandReadsItsOwnReplyDroppingOtherLines) {
+    controller.on("get_x", [](const std::string&) {
+        return std::string("{\"command\":\"noise\"}\r\n{\"command\":\"get_x\",\"value\":2}\r\n");
+    });
     int value = 0;
     EXPECT_EQ(qm_get_data_common(arm(), &value, "get_x", "value"), 0);
-    EXPECT_EQ(value, 11);
+    EXPECT_EQ(value, 2);
+    EXPECT_EQ(await("noise"), -2);
 }
 
 TEST_F(SingleThreadExchange, CommandKeyWinsOverState) {
@@ -267,16 +202,6 @@ TEST_F(SingleThreadExchange, CommandKeyWinsOverState) {
     EXPECT_EQ(exchange("go", "went"), -2);
     EXPECT_GT(exchange("go", "go", &reply), 0);
     EXPECT_EQ(reply, "{\"command\":\"go\",\"state\":\"went\"}\r\n") << "copied with its line end";
-}
-
-TEST_F(SingleThreadExchange, OtherLinesAreDroppedWhileWaiting) {
-    controller.on("get_x", [](const std::string&) {
-        return std::string("{\"command\":\"noise\"}\r\n{\"command\":\"get_x\",\"value\":2}\r\n");
-    });
-    int value = 0;
-    EXPECT_EQ(qm_get_data_common(arm(), &value, "get_x", "value"), 0);
-    EXPECT_EQ(value, 2);
-    EXPECT_EQ(await("noise"), -2);
 }
 
 TEST_F(SingleThreadExchange, SplitReplyIsJoined) {

@@ -45,20 +45,18 @@ protected:
         return used;
     }
 
+    static constexpr const char* kArrival =
+        R"({"state":"current_trajectory_state","trajectory_state":true,"device":0,"trajectory_connect":0})";
     std::shared_ptr<qm_handle_t> record = std::make_shared<qm_handle_t>();
 };
 
-TEST_F(Mailbox, ReplyIsFiledUnderItsStateBeforeItsCommand) {
+TEST_F(Mailbox, ReplyIsFiledUnderItsStateElseItsCommand) {
     file(R"({"command":"get_x","state":"x_state"})");
+    file(R"({"command":"get_y","v":[1,2]})");
     EXPECT_EQ(take("get_x"), "");
     EXPECT_EQ(take("x_state"), R"({"command":"get_x","state":"x_state"})");
-}
-
-TEST_F(Mailbox, ReplyWithoutStateIsFiledUnderItsCommand) {
-    file(R"({"command":"current_joint_temperature","joint_temperature":[1,2]})");
-    EXPECT_EQ(take("current_joint_temperature"),
-              R"({"command":"current_joint_temperature","joint_temperature":[1,2]})");
-    EXPECT_EQ(take("current_joint_temperature"), "") << "a taken line is gone";
+    EXPECT_EQ(take("get_y"), R"({"command":"get_y","v":[1,2]})");
+    EXPECT_EQ(take("get_y"), "") << "a taken line is gone";
 }
 
 TEST_F(Mailbox, TakingReturnsTheStoredLengthAndCutsToTheBuffer) {
@@ -70,16 +68,15 @@ TEST_F(Mailbox, TakingReturnsTheStoredLengthAndCutsToTheBuffer) {
     EXPECT_EQ(std::string(small), line.substr(0, 7));
 }
 
-TEST_F(Mailbox, UnparsableLineIsDropped) {
+TEST_F(Mailbox, UnparsableAndConductProjectLinesAreCountedButNotStored) {
+    file_state("a");
     file(R"({"command":"x",)");
-    EXPECT_EQ(used_entries(), 0);
-}
-
-TEST_F(Mailbox, ConductProjectRepliesAreNeverStored) {
     file(R"({"command":"conduct_project","state":true})");
     file(R"({"state":"conduct_project"})");
-    EXPECT_EQ(used_entries(), 0);
+    EXPECT_EQ(used_entries(), 1);
     EXPECT_EQ(take("conduct_project"), "");
+    EXPECT_EQ(record->fifo_handle->current_time, 4u);
+    EXPECT_EQ(record->fifo_handle->fifo[0].time, 1u);
 }
 
 TEST_F(Mailbox, FirstEntryByIndexWinsOverTheOldest) {
@@ -92,17 +89,17 @@ TEST_F(Mailbox, FirstEntryByIndexWinsOverTheOldest) {
 }
 
 TEST_F(Mailbox, UncollectedLineIsOverwrittenAfterFiftyLaterArrivals) {
+    auto fifty_passing = [&] {
+        for (int i = 0; i < 50; ++i) {
+            file_state("passing", i);
+            ASSERT_NE(take("passing"), "");
+        }
+    };
     file_state("old");  // arrival 1, entry 0
-    for (int i = 0; i < 50; ++i) {
-        file_state("passing", i);
-        ASSERT_NE(take("passing"), "");
-    }
-    ASSERT_EQ(take("old").empty(), false) << "still there after 50 later arrivals";
+    fifty_passing();
+    ASSERT_NE(take("old"), "") << "still there after 50 later arrivals";
     file_state("old");  // arrival 52 in entry 0 again
-    for (int i = 0; i < 50; ++i) {
-        file_state("passing", i);
-        ASSERT_NE(take("passing"), "");
-    }
+    fifty_passing();
     file_state("newcomer");  // arrival 103: entry 0 (arrival 52) is stale now
     EXPECT_EQ(take("old"), "");
     EXPECT_EQ(take("newcomer"), R"({"state":"newcomer","n":0})");
@@ -133,51 +130,31 @@ TEST_F(Mailbox, LineFindingNoFreshEntryIsDropped) {
     EXPECT_EQ(used_entries(), SOCKET_FIFO_MAX - 1);
 }
 
-TEST_F(Mailbox, ArrivalCounterCountsEveryOfferedLine) {
-    file_state("a");
-    file("not json");
-    file(R"({"command":"conduct_project"})");
-    EXPECT_EQ(record->fifo_handle->current_time, 3u);
-    EXPECT_EQ(record->fifo_handle->fifo[0].time, 1u);
-}
-
-TEST_F(Mailbox, LineOfTenThousandTwoHundredFortyBytesIsRefused) {
+TEST_F(Mailbox, LinesOfTenThousandTwoHundredFortyBytesAndKeysOfFiftyAreRefused) {
     qm_test::LogCapture log(LOG_LEVEL_ERROR);
     const std::string head = R"({"command":"big","pad":")";
-    std::string fits = head + std::string(FIFO_LINE_MAX - 1 - head.size() - 2, 'x') + "\"}";
-    ASSERT_EQ(fits.size(), static_cast<size_t>(FIFO_LINE_MAX - 1));
-    file(fits);
-    EXPECT_EQ(take("big"), fits);
-    std::string too_long = head + std::string(FIFO_LINE_MAX - head.size() - 2, 'x') + "\"}";
-    ASSERT_EQ(too_long.size(), static_cast<size_t>(FIFO_LINE_MAX));
-    file(too_long);
-    EXPECT_EQ(take("big"), "");
-    EXPECT_TRUE(log.mentions("refused"));
-}
-
-TEST_F(Mailbox, KeyOfFiftyCharactersIsRefused) {
-    qm_test::LogCapture log(LOG_LEVEL_ERROR);
-    const std::string key49(49, 'k');
-    const std::string key50(50, 'k');
-    file_state(key49);
-    file_state(key50);
-    EXPECT_NE(take(key49), "");
-    EXPECT_EQ(take(key50), "");
+    for (int size : {FIFO_LINE_MAX - 1, FIFO_LINE_MAX}) {
+        const std::string line = head + std::string(size - head.size() - 2, 'x') + "\"}";
+        file(line);
+        EXPECT_EQ(take("big"), size < FIFO_LINE_MAX ? line : "");
+    }
+    file_state(std::string(49, 'k'));
+    file_state(std::string(50, 'k'));
+    EXPECT_NE(take(std::string(49, 'k')), "");
+    EXPECT_EQ(take(std::string(50, 'k')), "");
     EXPECT_EQ(used_entries(), 0);
     EXPECT_TRUE(log.mentions("refused"));
 }
 
-TEST_F(Mailbox, ListenerFlagDiscardsTheNextTrajectoryEvent) {
-    file(R"({"state":"current_trajectory_state","trajectory_state":true,"device":0,"trajectory_connect":0})");
+TEST_F(Mailbox, ListenerFlagDiscardsTheNextTrajectoryOrProgramEvent) {
+    file(kArrival);
     file_state("reply");
     event_listener.flag = 1;
     EXPECT_EQ(take("reply"), "") << "the discard ends this take";
     EXPECT_EQ(event_listener.flag.load(), 0);
     EXPECT_EQ(take("reply"), R"({"state":"reply","n":0})");
     EXPECT_EQ(take("current_trajectory_state"), "");
-}
 
-TEST_F(Mailbox, ListenerFlagTwoDiscardsTheNextProgramEvent) {
     file(R"({"state":"program_run_finish","finish_id":4})");
     event_listener.flag = 2;
     EXPECT_EQ(take("program_run_finish"), "");
@@ -186,7 +163,7 @@ TEST_F(Mailbox, ListenerFlagTwoDiscardsTheNextProgramEvent) {
 }
 
 TEST_F(Mailbox, WaitingTakeLooksPastADiscardedEvent) {
-    file(R"({"state":"current_trajectory_state","trajectory_state":true,"device":0,"trajectory_connect":0})");
+    file(kArrival);
     file_state("reply");
     event_listener.flag = 1;
     char buf[256] = {};
@@ -213,45 +190,23 @@ void collect_event(qm_event_push_data_t data) {
     g_events.push_back(data);
 }
 
-class MailboxEvents : public Mailbox {
-protected:
-    MailboxEvents() {
-        g_events.clear();
-        qm_get_arm_event_call_back(collect_event);
-    }
-};
-
-TEST_F(MailboxEvents, TrajectoryEventReachesTheCallbackAndStaysFiled) {
+TEST_F(Mailbox, EventsReachTheCallbackWithTheirFieldsAndStayFiled) {
+    g_events.clear();
+    qm_get_arm_event_call_back(collect_event);
     file(R"({"state":"current_trajectory_state","trajectory_state":true,"device":2,"trajectory_connect":1})");
-    ASSERT_EQ(g_events.size(), 1u);
-    EXPECT_EQ(g_events[0].handle_id, 3);
-    EXPECT_EQ(g_events[0].event_type, QM_CURRENT_TRAJECTORY_STATE_E);
-    EXPECT_TRUE(g_events[0].trajectory_state);
-    EXPECT_EQ(g_events[0].device, 2);
-    EXPECT_EQ(g_events[0].trajectory_connect, 1);
-    EXPECT_EQ(g_events[0].program_id, 0);
-    EXPECT_NE(take("current_trajectory_state"), "");
-}
-
-TEST_F(MailboxEvents, ProgramFinishedEventCarriesTheProgramId) {
     file(R"({"state":"program_run_finish","finish_id":17})");
-    ASSERT_EQ(g_events.size(), 1u);
-    EXPECT_EQ(g_events[0].event_type, QM_PROGRAM_RUN_FINISH_E);
-    EXPECT_EQ(g_events[0].program_id, 17);
-    EXPECT_EQ(g_events[0].device, 0);
-    EXPECT_FALSE(g_events[0].trajectory_state);
-    EXPECT_EQ(g_events[0].trajectory_connect, 0);
-}
-
-TEST_F(MailboxEvents, NullCallbackKeepsThePreviousOne) {
-    qm_get_arm_event_call_back(nullptr);
+    qm_get_arm_event_call_back(nullptr);  // keeps the previous callback
     file(R"({"state":"program_run_finish","finish_id":1})");
-    EXPECT_EQ(g_events.size(), 1u);
-}
-
-TEST_F(MailboxEvents, OtherRepliesRaiseNoEvent) {
-    file(R"({"command":"movej","receive_state":true})");
-    EXPECT_TRUE(g_events.empty());
+    file(R"({"command":"movej","receive_state":true})");  // no event
+    ASSERT_EQ(g_events.size(), 3u);
+    const auto fields = [](const qm_event_push_data_t& e) {
+        return std::vector{e.handle_id, static_cast<int>(e.event_type), static_cast<int>(e.trajectory_state),
+                           e.device,    e.trajectory_connect,           e.program_id};
+    };
+    EXPECT_EQ(fields(g_events[0]),
+              (std::vector{3, static_cast<int>(QM_CURRENT_TRAJECTORY_STATE_E), 1, 2, 1, 0}));
+    EXPECT_EQ(fields(g_events[1]), (std::vector{3, static_cast<int>(QM_PROGRAM_RUN_FINISH_E), 0, 0, 0, 17}));
+    EXPECT_NE(take("current_trajectory_state"), "");
 }
 
 // ---- drag-teach points ----

@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <cmath>
 #include <ostream>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -15,15 +15,11 @@ namespace {
 
 using qm_test::LogCapture;
 
-std::string arrival(bool ok, int device, int connect) {
+// One arrival event line, with its line end.
+std::string arrival(bool ok, int device = 0, int connect = 0) {
     return std::string(R"({"state":"current_trajectory_state","trajectory_state":)") +
            (ok ? "true" : "false") + R"(,"device":)" + std::to_string(device) + R"(,"trajectory_connect":)" +
-           std::to_string(connect) + "}";
-}
-
-std::string trajectory(const char* type) {
-    return std::string(R"({"command":"arm_current_trajectory","type":")") + type +
-           R"(","data":[0,0,0,0,0,0]})";
+           std::to_string(connect) + "}\r\n";
 }
 
 constexpr MoveWait kJointMove{
@@ -35,223 +31,151 @@ constexpr MoveWait kStep{.caller = "qm_set_joint_step_block",
                          .poll_first = true,
                          .idle_polls = 10};
 
-class MoveWaitThreaded : public ConnectedArm {
-protected:
-    // Answers the trajectory query with the given types in turn (the last one repeats) and
-    // pushes `event` after answer number `push_after` (1-based; 0 never).
-    void script_trajectory(std::vector<const char*> types, int push_after = 0, std::string event = "") {
-        controller.on("get_arm_current_trajectory", [this, types, push_after, event](const std::string&) {
-            const int n = ++queries;
-            std::string answer = trajectory(types[std::min<size_t>(n - 1, types.size() - 1)]) + "\r\n";
-            if (n == push_after) answer += event + "\r\n";
-            return std::optional<std::string>(answer);
-        });
-    }
-    std::atomic<int> queries{0};
-};
-
-TEST_F(MoveWaitThreaded, ArrivalOfTheArmEndsTheWait) {
-    controller.push_line(arrival(true, 0, 0));
-    EXPECT_EQ(qm_wait_move_arrival(arm(), kJointMove, 1), 0);
-}
-
-TEST_F(MoveWaitThreaded, FailedTrajectoryGivesOne) {
-    controller.push_line(arrival(false, 0, 0));
-    EXPECT_EQ(qm_wait_move_arrival(arm(), kJointMove, 1), 1);
-}
-
-TEST_F(MoveWaitThreaded, ConnectedSegmentsAndOtherDevicesAreWaitedPast) {
-    controller.push_line(arrival(true, 0, 1));
-    controller.push_line(arrival(true, 2, 0));
-    controller.push_line(arrival(true, 0, 0));
-    EXPECT_EQ(qm_wait_move_arrival(arm(), kJointMove, 1), 0);
-    EXPECT_EQ(await("current_trajectory_state"), -2) << "all three events were consumed";
-}
-
-TEST_F(MoveWaitThreaded, MalformedArrivalIsReturned) {
-    controller.push_line(R"({"state":"current_trajectory_state","trajectory_state":true})");
-    EXPECT_EQ(qm_wait_move_arrival(arm(), kJointMove, 1), -3);
-}
-
-TEST_F(MoveWaitThreaded, RunningMoveIsWatchedUntilItEndsAndArrives) {
-    script_trajectory({"movej", "movej", "none"}, 3, arrival(true, 0, 0));
-    EXPECT_EQ(qm_wait_move_arrival(arm(), kJointMove, 1), 0);
-    EXPECT_EQ(queries, 3);
-}
-
-TEST_F(MoveWaitThreaded, ArrivalOfAnotherDeviceAfterTheMoveEndedGivesMinusFour) {
-    LogCapture log(LOG_LEVEL_ERROR);
-    script_trajectory({"movej", "none"}, 2, arrival(true, 1, 0));
-    EXPECT_EQ(qm_wait_move_arrival(arm(), kJointMove, 1), -4);
-    EXPECT_TRUE(log.contains("[qm_movej] current device is: 1 \n"));
-}
-
-TEST_F(MoveWaitThreaded, MoveThatNeverShowsAndNeverArrivesTimesOut) {
-    script_trajectory({"none"});
-    EXPECT_EQ(qm_wait_move_arrival(arm(), kJointMove, 1), -6);
-    EXPECT_EQ(queries, 5) << "five idle answers before the last wait";
-}
-
-TEST_F(MoveWaitThreaded, OtherTrajectoriesKeepTheWaitGoing) {
-    script_trajectory({"movel", "none"}, 2, arrival(true, 0, 0));
-    EXPECT_EQ(qm_wait_move_arrival(arm(), kJointMove, 1), 0);
-}
-
-TEST_F(MoveWaitThreaded, RepeatedQueryFailuresReturnTheQueryResult) {
-    controller.reply("get_arm_current_trajectory", R"({"command":"arm_current_trajectory"})");
-    EXPECT_EQ(qm_wait_move_arrival(arm(), kJointMove, 1), -1);
-}
-
-TEST_F(MoveWaitThreaded, StepWaitPollsFirstAndAwaitsTheEventOnceIdle) {
-    // The event is there from the start, yet a step first watches the trajectory.
-    controller.push_line(arrival(true, 0, 0));
-    script_trajectory({"movej", "none"});
-    EXPECT_EQ(qm_wait_move_arrival(arm(), kStep, 1), 0);
-    EXPECT_EQ(queries, 2);
-}
-
-TEST_F(MoveWaitThreaded, StepWaitToleratesTenIdleAnswers) {
-    script_trajectory({"none"}, 10, arrival(true, 0, 0));
-    EXPECT_EQ(qm_wait_move_arrival(arm(), kStep, 1), 0);
-    EXPECT_EQ(queries, 10);
-}
-
-using MoveWaitSingle = SingleThreadArm;
-
-TEST_F(MoveWaitSingle, ArrivalWithinTheTurnsEndsTheWait) {
-    controller.push_line(arrival(true, 0, 0));
-    EXPECT_EQ(qm_wait_move_arrival(arm(), kJointMove, 3), 0);
-}
-
-TEST_F(MoveWaitSingle, NoArrivalWithinTheTurnsGivesMinusFive) {
-    EXPECT_EQ(qm_wait_move_arrival(arm(), kJointMove, 1), -5);
-}
-
-TEST_F(MoveWaitSingle, FailedTrajectoryGivesOne) {
-    controller.push_line(arrival(false, 0, 0));
-    EXPECT_EQ(qm_wait_move_arrival(arm(), kJointMove, 2), 1);
-}
-
-// ---- the planned-trajectory query ----
-
-struct TrajectoryCase {
+struct WaitCase {
     const char* name;
-    const char* reply;
+    qm_thread_mode_e mode;
+    MoveWait wait;
+    int block;
+    std::string pushed;   // bytes pushed before the wait
+    std::string answers;  // trajectory types answering the query in turn, the last repeats; "?" none
+    int push_after;       // answer after which `event` follows (1-based; 0 never)
+    std::string event;
     int result;
-    qm_arm_current_trajectory_e type;
-    std::vector<float> data;
-    const char* message;
+    int queries;  // -1: not counted
 };
 // Names the case in test listings.
-void PrintTo(const TrajectoryCase& c, std::ostream* os) {
+void PrintTo(const WaitCase& c, std::ostream* os) {
     *os << c.name;
 }
 
-class CurrentTrajectory : public ConnectedArm, public ::testing::WithParamInterface<TrajectoryCase> {};
+class MoveWaitFor : public ConnectedArm, public ::testing::WithParamInterface<WaitCase> {
+protected:
+    MoveWaitFor() : ConnectedArm(GetParam().mode) {}
+};
 
-TEST_P(CurrentTrajectory, ParsesTypeAndTarget) {
+TEST_P(MoveWaitFor, EndsAsTheControllerSays) {
+    const WaitCase& c = GetParam();
     LogCapture log(LOG_LEVEL_ERROR);
-    const TrajectoryCase& c = GetParam();
-    controller.reply("get_arm_current_trajectory", c.reply);
-    qm_arm_current_trajectory_e type = QM_TRAJECTORY_REPLAY_PLANNING_E;
-    float data[ARM_DOF] = {};
-    EXPECT_EQ(qm_get_arm_current_trajectory(arm(), &type, data), c.result);
-    EXPECT_EQ(controller.received(), "{\"command\":\"get_arm_current_trajectory\"}\r\n");
-    if (c.result == 0) {
-        EXPECT_EQ(type, c.type);
-        for (size_t i = 0; i < c.data.size(); ++i) EXPECT_NEAR(data[i], c.data[i], 1e-6) << "element " << i;
+    if (!c.pushed.empty()) controller.push(c.pushed);
+    std::vector<std::string> types;
+    std::istringstream in(c.answers);
+    for (std::string type; in >> type;) types.push_back(type);
+    std::atomic<int> queries{0};
+    if (!types.empty()) {
+        controller.on("get_arm_current_trajectory", [&](const std::string&) {
+            const int n = ++queries;
+            const std::string& type = types[std::min<size_t>(n - 1, types.size() - 1)];
+            std::string answer = type == "?" ? R"({"command":"arm_current_trajectory"})"
+                                             : R"({"command":"arm_current_trajectory","type":")" + type +
+                                                   R"(","data":[0,0,0,0,0,0]})";
+            return std::optional<std::string>(answer + "\r\n" + (n == c.push_after ? c.event : ""));
+        });
     }
-    if (*c.message) {
-        EXPECT_TRUE(log.contains(c.message));
+    EXPECT_EQ(qm_wait_move_arrival(arm(), c.wait, c.block), c.result);
+    if (c.queries >= 0) {
+        EXPECT_EQ(queries, c.queries);
     }
+    EXPECT_EQ(log.contains("[qm_movej] current device is: 1 \n"), c.result == -4);
+    EXPECT_EQ(await("current_trajectory_state", nullptr, 1), -2) << "every pushed event was consumed";
 }
 
+constexpr auto kDual = QM_DUAL_MODE_E, kSingle = QM_SINGLE_MODE_E;
+
 INSTANTIATE_TEST_SUITE_P(
-    Replies, CurrentTrajectory,
+    Cases, MoveWaitFor,
     ::testing::Values(
-        TrajectoryCase{"linear_pose_in_metres_and_radians",
-                       R"({"command":"arm_current_trajectory","type":"movel","data":[1000000,0,0,3142,0,0]})",
-                       0,
-                       QM_CARTESIAN_LINEAR_PLANNING_E,
-                       {1.0f, 0, 0, 3.142f, 0, 0},
-                       ""},
-        TrajectoryCase{
-            "joint_move_in_degrees",
-            R"({"command":"arm_current_trajectory","type":"movej","data":[1000,-2500,0,0,0,90000]})",
-            0,
-            QM_JOINT_SPACE_PLANNING_E,
-            {1.0f, -2.5f, 0, 0, 0, 90.0f},
-            ""},
-        TrajectoryCase{"arc",
-                       R"({"command":"arm_current_trajectory","type":"movec","data":[0,500000,0,0,1000,0]})",
-                       0,
-                       QM_CARTESIAN_ARC_PLANNING_E,
-                       {0, 0.5f, 0, 0, 1.0f, 0},
-                       ""},
-        TrajectoryCase{"spline",
-                       R"({"command":"arm_current_trajectory","type":"moves","data":[0,0,0,0,0,0]})",
-                       0,
-                       QM_SPLINE_CURVE_MOTION_PLANNING_E,
-                       {},
-                       ""},
-        TrajectoryCase{
-            "replay",
-            R"({"command":"arm_current_trajectory","type":"re_trajectory","data":[1,2,3,4,5,6,7]})",
-            0,
-            QM_TRAJECTORY_REPLAY_PLANNING_E,
-            {0.001f, 0.002f, 0.003f, 0.004f, 0.005f, 0.006f, 0.007f},
-            ""},
-        TrajectoryCase{"nothing_planned",
-                       R"({"command":"arm_current_trajectory","type":"none","data":[0,0,0,0,0,0]})",
-                       0,
-                       QM_NO_PLANNING_E,
-                       {},
-                       ""},
-        TrajectoryCase{"unknown_type",
-                       R"({"command":"arm_current_trajectory","type":"jump","data":[0]})",
-                       -1,
-                       QM_NO_PLANNING_E,
-                       {},
-                       ""},
-        TrajectoryCase{"missing_type",
-                       R"({"command":"arm_current_trajectory","data":[0]})",
-                       -1,
-                       QM_NO_PLANNING_E,
-                       {},
-                       "[qm_get_arm_current_trajectory] Get arm current trajectory parse err\n"},
-        TrajectoryCase{"missing_data",
-                       R"({"command":"arm_current_trajectory","type":"movej"})",
-                       -1,
-                       QM_NO_PLANNING_E,
-                       {},
-                       "[qm_get_arm_current_trajectory] Get arm current trajectory parse err\n"},
-        TrajectoryCase{"data_not_numbers",
-                       R"({"command":"arm_current_trajectory","type":"movej","data":["a"]})",
-                       -1,
-                       QM_NO_PLANNING_E,
-                       {},
-                       "[qm_get_arm_current_trajectory] Data type parse err\n"}),
+        WaitCase{"arrival", kDual, kJointMove, 1, arrival(true), "", 0, "", 0, -1},
+        WaitCase{"failed_trajectory_gives_one", kDual, kJointMove, 1, arrival(false), "", 0, "", 1, -1},
+        WaitCase{"connected_segments_and_other_devices_are_waited_past", kDual, kJointMove, 1,
+                 arrival(true, 0, 1) + arrival(true, 2, 0) + arrival(true), "", 0, "", 0, -1},
+        WaitCase{"malformed_arrival", kDual, kJointMove, 1,
+                 "{\"state\":\"current_trajectory_state\",\"trajectory_state\":true}\r\n", "", 0, "", -3, -1},
+        WaitCase{"running_move_is_watched_until_it_ends_and_arrives", kDual, kJointMove, 1, "",
+                 "movej movej none", 3, arrival(true), 0, 3},
+        WaitCase{"other_device_arriving_after_the_move_ended_gives_minus_four", kDual, kJointMove, 1, "",
+                 "movej none", 2, arrival(true, 1), -4, 2},
+        WaitCase{"five_idle_answers_then_timeout", kDual, kJointMove, 1, "", "none", 0, "", -6, 5},
+        WaitCase{"other_trajectories_keep_the_wait_going", kDual, kJointMove, 1, "", "movel none", 2,
+                 arrival(true), 0, 2},
+        WaitCase{"repeated_query_failures_return_the_query_result", kDual, kJointMove, 1, "", "?", 0, "", -1,
+                 -1},
+        // The event is there from the start, yet a step first watches the trajectory.
+        WaitCase{"step_polls_first", kDual, kStep, 1, arrival(true), "movej none", 0, "", 0, 2},
+        WaitCase{"step_tolerates_ten_idle_answers", kDual, kStep, 1, "", "none", 10, arrival(true), 0, 10},
+        WaitCase{"single_arrival_within_the_turns", kSingle, kJointMove, 3, arrival(true), "", 0, "", 0, -1},
+        WaitCase{"single_no_arrival_gives_minus_five", kSingle, kJointMove, 1, "", "", 0, "", -5, -1},
+        WaitCase{"single_failed_trajectory", kSingle, kJointMove, 2, arrival(false), "", 0, "", 1, -1}),
     [](const auto& info) { return std::string(info.param.name); });
 
-TEST_F(ConnectedArm, NothingPlannedTeachesTheJointCount) {
-    controller.reply("get_arm_current_trajectory",
-                     R"({"command":"arm_current_trajectory","type":"none","data":[0,0,0,0,0,0,0]})");
-    qm_arm_current_trajectory_e type;
-    float data[ARM_DOF];
-    ASSERT_EQ(qm_get_arm_current_trajectory(arm(), &type, data), 0);
+// ---- the planned-trajectory query ----
+
+class CurrentTrajectory : public ConnectedArm {
+protected:
+    // Asks for the planned trajectory answered by {"command":"arm_current_trajectory",<tail>.
+    int query(const char* tail, qm_arm_current_trajectory_e* type, float* data) {
+        controller.clear_received();
+        controller.reply("get_arm_current_trajectory",
+                         std::string(R"({"command":"arm_current_trajectory",)") + tail);
+        const int result = qm_get_arm_current_trajectory(arm(), type, data);
+        EXPECT_EQ(controller.received(), "{\"command\":\"get_arm_current_trajectory\"}\r\n");
+        return result;
+    }
+};
+
+TEST_F(CurrentTrajectory, ParsesTypeAndTargetInMetresRadiansOrDegrees) {
+    const struct {
+        const char* tail;
+        qm_arm_current_trajectory_e type;
+        std::vector<float> data;
+    } rows[] = {
+        {R"("type":"movel","data":[1000000,0,0,3142,0,0]})",
+         QM_CARTESIAN_LINEAR_PLANNING_E,
+         {1, 0, 0, 3.142f, 0, 0}},
+        // Data beyond the joint slots is cut.
+        {R"("type":"movej","data":[1000,-2500,0,0,0,90000,0,8,9]})",
+         QM_JOINT_SPACE_PLANNING_E,
+         {1, -2.5f, 0, 0, 0, 90}},
+        {R"("type":"movec","data":[0,500000,0,0,1000,0]})",
+         QM_CARTESIAN_ARC_PLANNING_E,
+         {0, 0.5f, 0, 0, 1, 0}},
+        {R"("type":"moves","data":[0,0,0,0,0,0]})", QM_SPLINE_CURVE_MOTION_PLANNING_E, {}},
+        {R"("type":"re_trajectory","data":[1,2,3,4,5,6,7]})",
+         QM_TRAJECTORY_REPLAY_PLANNING_E,
+         {0.001f, 0.002f, 0.003f, 0.004f, 0.005f, 0.006f, 0.007f}},
+        // Nothing planned teaches the joint count.
+        {R"("type":"none","data":[0,0,0,0,0,0,0]})", QM_NO_PLANNING_E, {}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.tail);
+        auto type = static_cast<qm_arm_current_trajectory_e>(-1);
+        float data[ARM_DOF + 1] = {};
+        data[ARM_DOF] = -1.0f;
+        ASSERT_EQ(query(row.tail, &type, data), 0);
+        EXPECT_EQ(type, row.type);
+        for (size_t i = 0; i < row.data.size(); ++i)
+            EXPECT_NEAR(data[i], row.data[i], 1e-6) << "element " << i;
+        EXPECT_EQ(data[ARM_DOF], -1.0f);
+    }
     int dof = 0;
     EXPECT_EQ(qm_get_arm_dof(arm(), &dof), 0);
     EXPECT_EQ(dof, 7);
 }
 
-TEST_F(ConnectedArm, LongDataIsCutToTheJointSlots) {
-    controller.reply("get_arm_current_trajectory",
-                     R"({"command":"arm_current_trajectory","type":"movej","data":[1,2,3,4,5,6,7,8,9,10]})");
-    qm_arm_current_trajectory_e type;
-    float data[ARM_DOF + 1];
-    data[ARM_DOF] = -1.0f;
-    ASSERT_EQ(qm_get_arm_current_trajectory(arm(), &type, data), 0);
-    EXPECT_EQ(data[ARM_DOF], -1.0f);
+TEST_F(CurrentTrajectory, UnknownTypeOrIncompleteReplyFails) {
+    const char* const parse_err = "[qm_get_arm_current_trajectory] Get arm current trajectory parse err\n";
+    const std::pair<const char*, const char*> rows[] = {
+        {R"("type":"jump","data":[0]})", nullptr},
+        {R"("data":[0]})", parse_err},
+        {R"("type":"movej"})", parse_err},
+        {R"("type":"movej","data":["a"]})", "[qm_get_arm_current_trajectory] Data type parse err\n"},
+    };
+    for (const auto& [tail, message] : rows) {
+        LogCapture log(LOG_LEVEL_ERROR);
+        qm_arm_current_trajectory_e type;
+        float data[ARM_DOF];
+        EXPECT_EQ(query(tail, &type, data), -1) << tail;
+        EXPECT_TRUE(!message || log.contains(message)) << tail;
+    }
 }
 
 }  // namespace

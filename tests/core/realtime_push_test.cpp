@@ -8,7 +8,7 @@
 #include <condition_variable>
 #include <cstring>
 #include <mutex>
-#include <ostream>
+#include <utility>
 #include <vector>
 
 #include "connected_arm.h"
@@ -40,109 +40,55 @@ protected:
     void give_force_sensor() {
         with_record([](qm_handle_t& record) { record.force_type = QM_MODEL_QM_ZF_E; });
     }
-    std::string sent() {
-        auto line = controller.wait_line(0, 200ms);
-        return line.value_or("");
+    // Sends a valid `config`; the request line after its fixed start.
+    std::string request(const qm_realtime_push_config_t& config) {
+        controller.clear_received();
+        EXPECT_EQ(qm_set_realtime_push(arm(), config), 0);
+        const std::string start = R"({"command":"set_realtime_push","enable":true,)";
+        const std::string line = controller.wait_line(0, 200ms).value_or("");
+        return line.rfind(start, 0) == 0 ? line.substr(start.size()) : "unexpected start: " + line;
     }
 };
 
-// ---- validation ----
-
-struct Invalid {
-    const char* name;
-    qm_realtime_push_config_t config;
-    const char* message;
-};
-// Names the case in test listings.
-void PrintTo(const Invalid& c, std::ostream* os) {
-    *os << c.name;
-}
-
-class RealtimePushValidation : public RealtimePush, public ::testing::WithParamInterface<Invalid> {};
-
-TEST_P(RealtimePushValidation, RefusesWithoutSending) {
+TEST_F(RealtimePush, InvalidConfigIsRefusedWithoutSending) {
     LogCapture log(LOG_LEVEL_ERROR);
-    EXPECT_EQ(qm_set_realtime_push(arm(), GetParam().config), -4);
-    EXPECT_TRUE(log.contains(GetParam().message)) << testing::PrintToString(log.messages());
+    const std::pair<qm_realtime_push_config_t, const char*> rows[] = {
+        {config_of(0, 8089, "192.168.1.10"), "cycle: 0!"},
+        {config_of(5, 0, "192.168.1.10"), "port:0 !"},
+        {config_of(5, 8089, "1.2.3"), "ip: 1.2.3!"},
+        {config_of(5, 8089, "192.168.100.1000"), "ip: 192.168.100.1000!"},
+        {config_of(-1, 0, ""), "cycle: -1!"},  // the cycle is checked first
+    };
+    for (const auto& [config, what] : rows) {
+        EXPECT_EQ(qm_set_realtime_push(arm(), config), -4) << what;
+        EXPECT_TRUE(log.contains(
+            std::string("[qm_set_realtime_push] set realtime push config error, invaild ") + what + "\n"))
+            << what;
+    }
     EXPECT_FALSE(controller.wait_line(0, 30ms));
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Configs, RealtimePushValidation,
-    ::testing::Values(
-        Invalid{"cycle_zero", config_of(0, 8089, "192.168.1.10"),
-                "[qm_set_realtime_push] set realtime push config error, invaild cycle: 0!\n"},
-        Invalid{"port_zero", config_of(5, 0, "192.168.1.10"),
-                "[qm_set_realtime_push] set realtime push config error, invaild port:0 !\n"},
-        Invalid{"ip_of_five_characters", config_of(5, 8089, "1.2.3"),
-                "[qm_set_realtime_push] set realtime push config error, invaild ip: 1.2.3!\n"},
-        Invalid{"ip_of_sixteen_characters", config_of(5, 8089, "192.168.100.1000"),
-                "[qm_set_realtime_push] set realtime push config error, invaild ip: 192.168.100.1000!\n"},
-        Invalid{"cycle_checked_first", config_of(-1, 0, ""),
-                "[qm_set_realtime_push] set realtime push config error, invaild cycle: -1!\n"}),
-    [](const auto& info) { return std::string(info.param.name); });
-
-TEST_F(RealtimePush, IpOfSevenCharactersPasses) {
-    EXPECT_EQ(qm_set_realtime_push(arm(), config_of(5, 8089, "1.2.3.4")), 0);
-}
-
-// ---- request bytes ----
-
-struct Request {
-    const char* name;
-    bool force_sensor;
-    qm_realtime_push_config_t config;
-    const char* line;
-};
-// Names the case in test listings.
-void PrintTo(const Request& c, std::ostream* os) {
-    *os << c.name;
-}
-
-class RealtimePushRequest : public RealtimePush, public ::testing::WithParamInterface<Request> {};
-
-TEST_P(RealtimePushRequest, SendsExactly) {
-    if (GetParam().force_sensor) give_force_sensor();
-    EXPECT_EQ(qm_set_realtime_push(arm(), GetParam().config), 0);
-    EXPECT_EQ(sent(), GetParam().line);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Configs, RealtimePushRequest,
-    ::testing::Values(
-        Request{
-            "no_sections", false, config_of(5, 8089, "192.168.1.100"),
-            R"({"command":"set_realtime_push","enable":true,"cycle":5,"port":8089,"ip":"192.168.1.100"})"},
-        Request{"sections_in_their_order", false,
-                config_of(2, 9000, "10.0.0.1", -1, {1, 0, -1, 1, 1, -1, -1, 1}),
-                R"({"command":"set_realtime_push","enable":true,"cycle":2,"port":9000,"ip":"10.0.0.1",)"
-                R"("custom":{"joint_speed":true,"lift_state":false,"arm_current_status":true,"hand":true}})"},
-        Request{"plus_state_follows_plus_base", false,
-                config_of(2, 9000, "10.0.0.1", -1, {-1, -1, -1, -1, -1, 0, 0, -1}),
-                R"({"command":"set_realtime_push","enable":true,"cycle":2,"port":9000,"ip":"10.0.0.1",)"
-                R"("custom":{"aloha_state":false,"qm_plus_base":false,"qm_plus_state":true}})"},
-        Request{"force_frame_with_a_sensor", true, config_of(5, 8089, "192.168.1.100", 2),
-                R"({"command":"set_realtime_push","enable":true,"cycle":5,"port":8089,"ip":"192.168.1.100",)"
-                R"("force_cordinate":2})"},
-        Request{
-            "negative_force_frame_with_a_sensor_is_left_out", true, config_of(5, 8089, "192.168.1.100", -1),
-            R"({"command":"set_realtime_push","enable":true,"cycle":5,"port":8089,"ip":"192.168.1.100"})"}),
-    [](const auto& info) { return std::string(info.param.name); });
-
-TEST_F(RealtimePush, ForceFrameWithoutASensorIsLeftOutWithANotice) {
+TEST_F(RealtimePush, RequestCarriesTheConfigInItsOrder) {
     LogCapture log(LOG_LEVEL_INFO);
-    EXPECT_EQ(qm_set_realtime_push(arm(), config_of(5, 8089, "192.168.1.100", 0)), 0);
-    EXPECT_EQ(sent(),
-              R"({"command":"set_realtime_push","enable":true,"cycle":5,"port":8089,"ip":"192.168.1.100"})");
+    EXPECT_EQ(request(config_of(5, 8089, "1.2.3.4")), R"("cycle":5,"port":8089,"ip":"1.2.3.4"})");
+    EXPECT_EQ(request(config_of(2, 9000, "192.168.100.100", -1, {1, 0, -1, 1, 1, -1, -1, 1})),
+              R"("cycle":2,"port":9000,"ip":"192.168.100.100",)"
+              R"("custom":{"joint_speed":true,"lift_state":false,"arm_current_status":true,"hand":true}})");
+    EXPECT_EQ(request(config_of(2, 9000, "10.0.0.1", -1, {-1, -1, -1, -1, -1, 0, 0, -1})),
+              R"("cycle":2,"port":9000,"ip":"10.0.0.1",)"
+              R"("custom":{"aloha_state":false,"qm_plus_base":false,"qm_plus_state":true}})");
+    // A force frame goes out only with a force sensor, and only when not negative.
+    EXPECT_EQ(request(config_of(5, 8089, "1.2.3.4", 0)), R"("cycle":5,"port":8089,"ip":"1.2.3.4"})");
     EXPECT_TRUE(log.contains("[qm_set_realtime_push]Force sensors are not supported! \n"));
+    give_force_sensor();
+    EXPECT_EQ(request(config_of(5, 8089, "1.2.3.4", 2)),
+              R"("cycle":5,"port":8089,"ip":"1.2.3.4","force_cordinate":2})");
+    EXPECT_EQ(request(config_of(5, 8089, "1.2.3.4", -1)), R"("cycle":5,"port":8089,"ip":"1.2.3.4"})");
 }
 
-TEST_F(RealtimePush, RefusalGivesOne) {
+TEST_F(RealtimePush, RefusalGivesOneAndSilenceMinusTwo) {
     controller.reply("set_realtime_push", R"({"command":"set_realtime_push","state":false})");
     EXPECT_EQ(qm_set_realtime_push(arm(), config_of(5, 8089, "192.168.1.100")), 1);
-}
-
-TEST_F(RealtimePush, SilenceGivesMinusTwo) {
     controller.forget("set_realtime_push");
     EXPECT_EQ(qm_set_realtime_push(arm(), config_of(5, 8089, "192.168.1.100")), -2);
 }
@@ -157,15 +103,13 @@ TEST_F(RealtimePush, ReadingFillsTheConfigAndLearnsThePort) {
     qm_realtime_push_config_t config{};
     ASSERT_EQ(qm_get_realtime_push(arm(), &config), 0);
     EXPECT_EQ(controller.received(), "{\"command\":\"get_realtime_push\"}\r\n");
-    EXPECT_EQ(config.cycle, 3);
-    EXPECT_EQ(config.port, 8100);
     EXPECT_STREQ(config.ip, "192.168.1.20");
-    EXPECT_TRUE(config.enable);
-    EXPECT_EQ(config.force_coordinate, -1) << "no force sensor on this arm";
-    EXPECT_EQ(config.custom_config.joint_speed, 1);
-    EXPECT_EQ(config.custom_config.hand_state, 0);
-    EXPECT_EQ(config.custom_config.lift_state, -1);
-    EXPECT_EQ(config.custom_config.plus_state, -1);
+    const auto& custom = config.custom_config;
+    // No force sensor on this arm: no force frame.
+    EXPECT_EQ(
+        (std::vector{config.cycle, config.port, static_cast<int>(config.enable), config.force_coordinate,
+                     custom.joint_speed, custom.hand_state, custom.lift_state, custom.plus_state}),
+        (std::vector{3, 8100, 1, -1, 1, 0, -1, -1}));
     with_record([](qm_handle_t& record) { EXPECT_EQ(record.udp_port, 8100); });
 }
 
@@ -185,13 +129,19 @@ TEST_F(RealtimePush, ReadingWithASensorNeedsTheForceFrame) {
 
 // ---- real datagrams ----
 
-int free_udp_port() {
-    int fd = ::socket(AF_INET, SOCK_DGRAM, 0);
+sockaddr_in loopback(int port) {
     sockaddr_in addr{};
     addr.sin_family = AF_INET;
-    addr.sin_addr.s_addr = htonl(INADDR_ANY);
+    addr.sin_port = htons(static_cast<uint16_t>(port));
+    addr.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    return addr;
+}
+
+int free_udp_port() {
+    int fd = ::socket(AF_INET, SOCK_DGRAM, 0);
+    sockaddr_in addr = loopback(0);
     socklen_t len = sizeof addr;
-    ::bind(fd, reinterpret_cast<sockaddr*>(&addr), sizeof addr);
+    ::bind(fd, reinterpret_cast<sockaddr*>(&addr), len);
     ::getsockname(fd, reinterpret_cast<sockaddr*>(&addr), &len);
     ::close(fd);
     return ntohs(addr.sin_port);
@@ -199,11 +149,8 @@ int free_udp_port() {
 
 void send_datagram(int port, const std::string& text) {
     int fd = ::socket(AF_INET, SOCK_DGRAM, 0);
-    sockaddr_in to{};
-    to.sin_family = AF_INET;
-    to.sin_port = htons(static_cast<uint16_t>(port));
-    to.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    ::sendto(fd, text.data(), text.size(), 0, reinterpret_cast<sockaddr*>(&to), sizeof to);
+    const sockaddr_in to = loopback(port);
+    ::sendto(fd, text.data(), text.size(), 0, reinterpret_cast<const sockaddr*>(&to), sizeof to);
     ::close(fd);
 }
 
@@ -217,10 +164,11 @@ void collect_state(qm_realtime_arm_joint_state_t state) {
     g_arrived.notify_all();
 }
 
-class RealtimeDatagrams : public TripleModeArm {
+class RealtimeDatagrams : public ConnectedArm {
 protected:
+    RealtimeDatagrams() : ConnectedArm(QM_TRIPLE_MODE_E) {}
     void SetUp() override {
-        TripleModeArm::SetUp();
+        ConnectedArm::SetUp();
         {
             std::lock_guard lock(g_mutex);
             g_states.clear();
@@ -242,15 +190,13 @@ protected:
     int port = 0;
 };
 
-TEST_F(RealtimeDatagrams, EnabledPushRegistersItsPort) {
-    std::lock_guard lock(gUdpHandle->mutex);
-    int users = 0;
-    for (const auto& entry : gUdpHandle->udp_list)
-        if (entry.port == port) users = entry.user_num;
-    EXPECT_EQ(users, 1);
-}
-
-TEST_F(RealtimeDatagrams, EachDatagramReachesTheCallbackWithItsSender) {
+TEST_F(RealtimeDatagrams, EnabledPushRegistersItsPortAndEachDatagramReachesTheCallback) {
+    {
+        std::lock_guard lock(gUdpHandle->mutex);
+        int users = 0;
+        for (const auto& entry : gUdpHandle->udp_list) users += entry.port == port ? entry.user_num : 0;
+        EXPECT_EQ(users, 1);
+    }
     send_datagram(
         port, R"({"joint_status":{"joint_speed":[1000]},"waypoint":{"quat":[1000000,0,0,0],"euler":[0,0,0],)"
               R"("position":[0,0,0]},"err":[3],"arm_current_status":"move_L"})");
@@ -263,21 +209,16 @@ TEST_F(RealtimeDatagrams, EachDatagramReachesTheCallbackWithItsSender) {
     EXPECT_EQ(received[0].err.err[0], 3);
 }
 
-TEST_F(RealtimeDatagrams, MalformedDatagramIsDeliveredWithMinusThree) {
+TEST_F(RealtimeDatagrams, MalformedOrOverlongDatagramIsDeliveredWithMinusThree) {
     send_datagram(port, R"({"joint_status":{},"waypoint":{"quat":[1,0,0]},"err":[0]})");
     send_datagram(port, "not json at all");
-    auto received = states(2);
-    ASSERT_EQ(received.size(), 2u);
-    EXPECT_EQ(received[0].errCode, -3);
-    EXPECT_EQ(received[1].errCode, -3);
-    EXPECT_STREQ(received[1].arm_ip, "127.0.0.1");
-}
-
-TEST_F(RealtimeDatagrams, DatagramLongerThanTheBufferIsCutAndDeliveredAsMalformed) {
-    send_datagram(port, std::string(4000, 'x'));
-    auto received = states(1);
-    ASSERT_EQ(received.size(), 1u);
-    EXPECT_EQ(received[0].errCode, -3);
+    send_datagram(port, std::string(4000, 'x'));  // cut to the buffer
+    auto received = states(3);
+    ASSERT_EQ(received.size(), 3u);
+    for (const auto& state : received) {
+        EXPECT_EQ(state.errCode, -3);
+        EXPECT_STREQ(state.arm_ip, "127.0.0.1");
+    }
 }
 
 }  // namespace
