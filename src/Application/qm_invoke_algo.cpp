@@ -53,6 +53,32 @@ void pose_of(const Coord& c, qm_frame_t* frame) {
     frame->pose.quaternion = {q.w, q.x, q.y, q.z};
 }
 
+// The public records and the library's share their member names and layout, so one copy
+// serves both directions.
+template <class To, class From>
+To pose_copy(const From& p) {
+    return {{p.position.x, p.position.y, p.position.z},
+            {p.quaternion.w, p.quaternion.x, p.quaternion.y, p.quaternion.z},
+            {p.euler.rx, p.euler.ry, p.euler.rz}};
+}
+
+template <class To, class From>
+To matrix_copy(const From& m) {
+    To out;
+    out.irow = m.irow;
+    out.iline = m.iline;
+    std::copy(&m.data[0][0], &m.data[0][0] + 16, &out.data[0][0]);
+    return out;
+}
+
+template <class From, class To>
+void copy_dh_rows(const From& from, To& to) {
+    std::copy(std::begin(from.d), std::end(from.d), to.d);
+    std::copy(std::begin(from.a), std::end(from.a), to.a);
+    std::copy(std::begin(from.alpha), std::end(from.alpha), to.alpha);
+    std::copy(std::begin(from.offset), std::end(from.offset), to.offset);
+}
+
 void record_solve_time(double ms) {
     static bool timed = false;
     if (!timed || ms < invoke_inverse_time_total_min) invoke_inverse_time_total_min = ms;
@@ -125,6 +151,7 @@ void invoke_set_tool_frame(const qm_frame_t& frame) { libalgo_set_tool_cs_params
 void invoke_get_tool_frame(qm_frame_t* frame) { pose_of(libalgo_get_tool_cs_params(), frame); }
 
 void invoke_set_joint_limit(JointLimit which, const float* value) {
+    if (value == nullptr) return;
     const LimitAccess& access = access_of(which);
     float lib[ROBOT_DOF];
     access.get(lib);
@@ -134,6 +161,7 @@ void invoke_set_joint_limit(JointLimit which, const float* value) {
 }
 
 void invoke_get_joint_limit(JointLimit which, float* value) {
+    if (value == nullptr) return;
     const LimitAccess& access = access_of(which);
     float lib[ROBOT_DOF];
     access.get(lib);
@@ -144,10 +172,7 @@ void invoke_get_joint_limit(JointLimit which, float* value) {
 void invoke_set_dh(const qm_dh_t& dh) {
     DH lib;
     libalgo_get_dh_value(&lib);
-    std::copy(std::begin(dh.d), std::end(dh.d), lib.d);
-    std::copy(std::begin(dh.a), std::end(dh.a), lib.a);
-    std::copy(std::begin(dh.alpha), std::end(dh.alpha), lib.alpha);
-    std::copy(std::begin(dh.offset), std::end(dh.offset), lib.offset);
+    copy_dh_rows(dh, lib);
     libalgo_set_dh_params(&lib);
 }
 
@@ -155,40 +180,14 @@ qm_dh_t invoke_get_dh() {
     DH lib;
     libalgo_get_dh_value(&lib);
     qm_dh_t dh;
-    std::copy(std::begin(lib.d), std::end(lib.d), dh.d);
-    std::copy(std::begin(lib.a), std::end(lib.a), dh.a);
-    std::copy(std::begin(lib.alpha), std::end(lib.alpha), dh.alpha);
-    std::copy(std::begin(lib.offset), std::end(lib.offset), dh.offset);
+    copy_dh_rows(lib, dh);
     return dh;
 }
 
-Pose invoke_to_pose(const qm_pose_t& p) {
-    return {{p.position.x, p.position.y, p.position.z},
-            {p.quaternion.w, p.quaternion.x, p.quaternion.y, p.quaternion.z},
-            {p.euler.rx, p.euler.ry, p.euler.rz}};
-}
-
-qm_pose_t invoke_from_pose(const Pose& p) {
-    return {{p.position.x, p.position.y, p.position.z},
-            {p.quaternion.w, p.quaternion.x, p.quaternion.y, p.quaternion.z},
-            {p.euler.rx, p.euler.ry, p.euler.rz}};
-}
-
-Matrix invoke_to_matrix(const qm_matrix_t& m) {
-    Matrix out;
-    out.irow = m.irow;
-    out.iline = m.iline;
-    std::copy(&m.data[0][0], &m.data[0][0] + 16, &out.data[0][0]);
-    return out;
-}
-
-qm_matrix_t invoke_from_matrix(const Matrix& m) {
-    qm_matrix_t out;
-    out.irow = m.irow;
-    out.iline = m.iline;
-    std::copy(&m.data[0][0], &m.data[0][0] + 16, &out.data[0][0]);
-    return out;
-}
+Pose invoke_to_pose(const qm_pose_t& p) { return pose_copy<Pose>(p); }
+qm_pose_t invoke_from_pose(const Pose& p) { return pose_copy<qm_pose_t>(p); }
+Matrix invoke_to_matrix(const qm_matrix_t& m) { return matrix_copy<Matrix>(m); }
+qm_matrix_t invoke_from_matrix(const Matrix& m) { return matrix_copy<qm_matrix_t>(m); }
 
 IkSolve invoke_to_ik_solve(const qm_inverse_kinematics_all_solve_t& s) {
     IkSolve out{};
@@ -211,12 +210,11 @@ qm_inverse_kinematics_all_solve_t invoke_from_ik_solve(const IkSolve& s) {
 int invoke_ik_form(uint8_t flag) { return flag == 0 ? USE_QUAT : flag; }
 
 int invoke_inverse_kinematics(const float* q_in, const qm_pose_t& target, int form, float* q_out) {
-    float q_ref[ROBOT_DOF];
+    const JointRadians q_ref = invoke_rad_of(q_in);
     float q_sol[ROBOT_DOF] = {};
-    invoke_joints_to_rad(q_in, q_ref);
     const Pose pose = invoke_to_pose(target);
     const auto start = std::chrono::steady_clock::now();
-    const int rc = inverse_kinematics(q_ref, &pose, q_sol, form);
+    const int rc = inverse_kinematics(q_ref.data(), &pose, q_sol, form);
     record_solve_time(std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count());
     if (rc == IKINE_SUCCESSFUL) invoke_joints_to_deg(q_sol, q_out);
     return rc;

@@ -14,13 +14,28 @@ using Joints = std::array<float, ARM_DOF>;
 
 constexpr float kTol = 1e-5f;
 
+using Rotation = std::array<std::array<float, 3>, 3>;
+
 // Rotation of a public pose's Euler angles as a plain 3x3 array.
-std::array<std::array<float, 3>, 3> rotation_of(const qm_euler_t& e) {
+Rotation rotation_of(const qm_euler_t& e) {
     const qm_matrix_t m = qm_algo_euler2matrix(e);
-    std::array<std::array<float, 3>, 3> r{};
+    Rotation r{};
     for (int i = 0; i < 3; ++i)
         for (int j = 0; j < 3; ++j) r[i][j] = m.data[i][j];
     return r;
+}
+
+Rotation product(const Rotation& a, const Rotation& b) {
+    Rotation r{};
+    for (int i = 0; i < 3; ++i)
+        for (int j = 0; j < 3; ++j)
+            for (int k = 0; k < 3; ++k) r[i][j] += a[i][k] * b[k][j];
+    return r;
+}
+
+void expect_rotation_near(const Rotation& got, const Rotation& expected) {
+    for (int i = 0; i < 3; ++i)
+        for (int j = 0; j < 3; ++j) EXPECT_NEAR(got[i][j], expected[i][j], 1e-5f);
 }
 
 void expect_same_rotation(const qm_euler_t& a, const qm_euler_t& b, float tol = 1e-5f) {
@@ -151,30 +166,14 @@ TEST_F(CartesianStep, WorkRotationStepPreMultipliesRzRyRx) {
     const qm_pose_t start = pose(0, 0, 0, 0.4f, -0.3f, 1.2f);
     const float delta[6] = {0, 0, 0, 0.1f, 0.2f, 0.3f};
     const qm_pose_t p = qm_algo_pose_move(nullptr, start, delta, 0);
-    const auto step = rotation_of({0.1f, 0.2f, 0.3f});
-    const auto r = rotation_of(start.euler);
-    const auto got = rotation_of(p.euler);
-    for (int i = 0; i < 3; ++i)
-        for (int j = 0; j < 3; ++j) {
-            float expected = 0;
-            for (int k = 0; k < 3; ++k) expected += step[i][k] * r[k][j];
-            EXPECT_NEAR(got[i][j], expected, 1e-5f);
-        }
+    expect_rotation_near(rotation_of(p.euler), product(rotation_of({0.1f, 0.2f, 0.3f}), rotation_of(start.euler)));
 }
 
 TEST_F(CartesianStep, ToolRotationStepPostMultipliesRzRyRx) {
     const qm_pose_t start = pose(0, 0, 0, 0.4f, -0.3f, 1.2f);
     const float delta[6] = {0, 0, 0, 0.1f, 0.2f, 0.3f};
     const qm_pose_t p = qm_algo_pose_move(nullptr, start, delta, 1);
-    const auto step = rotation_of({0.1f, 0.2f, 0.3f});
-    const auto r = rotation_of(start.euler);
-    const auto got = rotation_of(p.euler);
-    for (int i = 0; i < 3; ++i)
-        for (int j = 0; j < 3; ++j) {
-            float expected = 0;
-            for (int k = 0; k < 3; ++k) expected += r[i][k] * step[k][j];
-            EXPECT_NEAR(got[i][j], expected, 1e-5f);
-        }
+    expect_rotation_near(rotation_of(p.euler), product(rotation_of(start.euler), rotation_of({0.1f, 0.2f, 0.3f})));
 }
 
 TEST_F(CartesianStep, PoseStepQuaternionMatchesItsEulerAngles) {

@@ -103,31 +103,28 @@ TEST(ClosedFormFlangeSensor, EverySensorLengthStillMatchesTheLinkProduct) {
         }
 }
 
-TEST(ZeroJoints, QM65FlangeStandsStraightUpTurnedHalfAboutZ) {
-    ASSERT_EQ(libalgo_set_robot_and_sensor_type(QM65, _B), 0);
+// The flange of a model with every joint at zero, 0.8505 m straight above the base, and its rotation.
+void expect_upright_at_zero(int type, FlangeRoutine routine, const float (&rotation)[3][3]) {
+    ASSERT_EQ(libalgo_set_robot_and_sensor_type(type, _B), 0);
     DH dh;
     libalgo_get_dh_value(&dh);
     const float q[ROBOT_DOF] = {};
-    const Matrix m = forward_kinematics_qm65(&dh, q);
+    const Matrix m = routine(&dh, q);
     EXPECT_NEAR(m.data[0][3], 0.0f, 1e-6);
     EXPECT_NEAR(m.data[1][3], 0.0f, 1e-6);
     EXPECT_NEAR(m.data[2][3], 0.8505f, 1e-6);
-    const float rz_pi[3][3] = {{-1, 0, 0}, {0, -1, 0}, {0, 0, 1}};
     for (int i = 0; i < 3; ++i)
-        for (int j = 0; j < 3; ++j) EXPECT_NEAR(m.data[i][j], rz_pi[i][j], 1e-6) << i << "," << j;
+        for (int j = 0; j < 3; ++j) EXPECT_NEAR(m.data[i][j], rotation[i][j], 1e-6) << i << "," << j;
+}
+
+TEST(ZeroJoints, QM65FlangeStandsStraightUpTurnedHalfAboutZ) {
+    const float rz_pi[3][3] = {{-1, 0, 0}, {0, -1, 0}, {0, 0, 1}};
+    expect_upright_at_zero(QM65, forward_kinematics_qm65, rz_pi);
 }
 
 TEST(ZeroJoints, QM75FlangeStandsStraightUpUnrotated) {
-    ASSERT_EQ(libalgo_set_robot_and_sensor_type(QM75, _B), 0);
-    DH dh;
-    libalgo_get_dh_value(&dh);
-    const float q[ROBOT_DOF] = {};
-    const Matrix m = forward_kinematics_qm75(&dh, q);
-    EXPECT_NEAR(m.data[0][3], 0.0f, 1e-6);
-    EXPECT_NEAR(m.data[1][3], 0.0f, 1e-6);
-    EXPECT_NEAR(m.data[2][3], 0.8505f, 1e-6);
-    for (int i = 0; i < 3; ++i)
-        for (int j = 0; j < 3; ++j) EXPECT_NEAR(m.data[i][j], i == j ? 1.0f : 0.0f, 1e-6) << i << "," << j;
+    const float identity[3][3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
+    expect_upright_at_zero(QM75, forward_kinematics_qm75, identity);
 }
 
 TEST(ZeroJoints, TAVArmsStandStraightUp) {

@@ -6,13 +6,12 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
-#include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
+#include "catalogue_support.h"
 #include "fake_controller.h"
-#include "mio_json.h"
 #include "qm_handle.h"
 #include "qm_interface.h"
 
@@ -20,19 +19,22 @@ namespace arm_catalogue_test {
 
 using namespace std::chrono_literals;
 
-using Call = std::function<int(qm_robot_handle*)>;
+using catalogue_test::Call;
+using catalogue_test::command_of;
 
 // {"command":"<key>","<member>":<true|false>}
 inline std::string judged(const std::string& key, const std::string& member, bool ok = true) {
     return R"({"command":")" + key + R"(",")" + member + R"(":)" + (ok ? "true" : "false") + "}";
 }
 
-// The "command" of a request line.
-inline std::string command_of(const std::string& line) {
-    JsonPtr tree = json_parse(line.c_str());
-    const char* command = MIO_JSON_GetObjectItemStr(tree.get(), "command");
-    return command ? command : "";
-}
+// A set command: the exact request, the key its reply is filed under and the member judged.
+struct SetRow {
+    const char* behaviour;
+    Call call;
+    std::string request;
+    std::string reply_key;
+    std::string checked;
+};
 
 class CatalogueArm : public ::testing::Test {
 protected:
@@ -46,8 +48,7 @@ protected:
     }
     void TearDown() override {
         session_.reset();
-        m_nOutTime = saved_query_;
-        m_nOutTime_max = saved_set_;
+        saved_timeouts_.restore();
     }
 
     qm_robot_handle* arm() const { return session_->handle(); }
@@ -74,12 +75,29 @@ protected:
         return line.value_or("");
     }
 
+    // Each row, answered with its member true, sends exactly its request and returns 0.
+    void expect_each_accepted(const std::vector<SetRow>& rows) {
+        for (const SetRow& row : rows) {
+            SCOPED_TRACE(row.behaviour);
+            controller.reply(command_of(row.request), judged(row.reply_key, row.checked, true));
+            EXPECT_EQ(fresh(row.call), 0);
+            EXPECT_EQ(first_line(), row.request);
+        }
+    }
+    // Each row, answered with its member false, returns 1.
+    void expect_each_refused(const std::vector<SetRow>& rows) {
+        for (const SetRow& row : rows) {
+            SCOPED_TRACE(row.behaviour);
+            controller.reply(command_of(row.request), judged(row.reply_key, row.checked, false));
+            EXPECT_EQ(fresh(row.call), 1);
+        }
+    }
+
     qm_test::FakeController controller;
 
 private:
     std::optional<qm_test::ArmSession> session_;
-    uint32_t saved_query_ = m_nOutTime;
-    uint32_t saved_set_ = m_nOutTime_max;
+    catalogue_test::SavedTimeouts saved_timeouts_;
 };
 
 }  // namespace arm_catalogue_test

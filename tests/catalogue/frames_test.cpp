@@ -12,14 +12,6 @@
 namespace arm_catalogue_test {
 namespace {
 
-struct SetRow {
-    const char* behaviour;
-    Call call;
-    std::string request;
-    std::string reply_key;
-    std::string checked;
-};
-
 qm_pose_t sample_pose() {
     qm_pose_t pose{};
     pose.position = {0.1f, -0.2f, 0.0000009f};
@@ -79,22 +71,9 @@ const std::vector<SetRow>& frame_setters() {
 
 class Frames : public CatalogueArm {};
 
-TEST_F(Frames, SettersSendTheirMembersAndJudgeTheirOwnBoolean) {
-    for (const SetRow& row : frame_setters()) {
-        SCOPED_TRACE(row.behaviour);
-        controller.reply(command_of(row.request), judged(row.reply_key, row.checked, true));
-        EXPECT_EQ(fresh(row.call), 0);
-        EXPECT_EQ(first_line(), row.request);
-    }
-}
+TEST_F(Frames, SettersSendTheirMembersAndJudgeTheirOwnBoolean) { expect_each_accepted(frame_setters()); }
 
-TEST_F(Frames, SettersReportARefusalWithOne) {
-    for (const SetRow& row : frame_setters()) {
-        SCOPED_TRACE(row.behaviour);
-        controller.reply(command_of(row.request), judged(row.reply_key, row.checked, false));
-        EXPECT_EQ(fresh(row.call), 1);
-    }
-}
+TEST_F(Frames, SettersReportARefusalWithOne) { expect_each_refused(frame_setters()); }
 
 TEST_F(Frames, ARefusedManualToolFrameHintsAtADuplicateName) {
     qm_test::LogCapture log(LOG_LEVEL_ERROR);

@@ -11,15 +11,6 @@
 namespace arm_catalogue_test {
 namespace {
 
-// A set command: the exact request, the key its reply is filed under and the member judged.
-struct SetRow {
-    const char* behaviour;
-    Call call;
-    std::string request;
-    std::string reply_key;
-    std::string checked;
-};
-
 const std::vector<SetRow>& limit_setters() {
     static const std::vector<SetRow> rows = {
         {"joint speed goes out divided by 6",
@@ -79,22 +70,9 @@ const std::vector<SetRow>& limit_setters() {
 
 class Limits : public CatalogueArm {};
 
-TEST_F(Limits, SettersSendTheirMembersAndJudgeTheirOwnBoolean) {
-    for (const SetRow& row : limit_setters()) {
-        SCOPED_TRACE(row.behaviour);
-        controller.reply(command_of(row.request), judged(row.reply_key, row.checked, true));
-        EXPECT_EQ(fresh(row.call), 0);
-        EXPECT_EQ(first_line(), row.request);
-    }
-}
+TEST_F(Limits, SettersSendTheirMembersAndJudgeTheirOwnBoolean) { expect_each_accepted(limit_setters()); }
 
-TEST_F(Limits, SettersReportARefusalWithOne) {
-    for (const SetRow& row : limit_setters()) {
-        SCOPED_TRACE(row.behaviour);
-        controller.reply(command_of(row.request), judged(row.reply_key, row.checked, false));
-        EXPECT_EQ(fresh(row.call), 1);
-    }
-}
+TEST_F(Limits, SettersReportARefusalWithOne) { expect_each_refused(limit_setters()); }
 
 TEST_F(Limits, SoftwareSettersReadTheWholeLimitBack) {
     controller.reply("set_joint_max_pos", judged("set_joint_max_pos", "joint_max_pos"));

@@ -7,11 +7,11 @@
 
 #include <atomic>
 #include <chrono>
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <thread>
 
+#include "catalogue_support.h"
 #include "fake_controller.h"
 #include "qm_exchange.h"
 #include "qm_handle.h"
@@ -20,6 +20,8 @@
 namespace motion_test {
 
 using namespace std::chrono_literals;
+using catalogue_test::Call;
+using catalogue_test::command_of;
 
 inline std::string accepted(const std::string& command, bool ok = true) {
     return R"({"command":")" + command + R"(","receive_state":)" + (ok ? "true" : "false") + "}";
@@ -36,6 +38,13 @@ inline std::string arrival(int device, bool reached = true, int trajectory_conne
 inline std::string planned(const std::string& type) {
     return R"({"command":"arm_current_trajectory","type":")" + type + R"(","data":[0,0,0,0,0,0]})";
 }
+
+// A scripted answer to an acceptance (none: the controller stays silent) and the result expected.
+struct FailureRow {
+    const char* behaviour;
+    std::optional<std::string> reply;
+    int expected;
+};
 
 // Pushes one line every 20 ms until destroyed. In single-thread mode the bytes that share a
 // read with an awaited reply are dropped, so a single push could be lost.
@@ -69,8 +78,7 @@ protected:
     void SetUp() override { qm_event_listener_set_flag(0); }
     void TearDown() override {
         session_.reset();
-        m_nOutTime = saved_query_;
-        m_nOutTime_max = saved_set_;
+        saved_timeouts_.restore();
         qm_event_listener_set_flag(0);
     }
 
@@ -89,12 +97,19 @@ protected:
         return lines.empty() ? std::string() : lines.front();
     }
 
+    // Scripts `reply` as the answer to `command`, or silence when there is none.
+    void answer(const std::string& command, const std::optional<std::string>& reply) {
+        if (reply)
+            controller.reply(command, *reply);
+        else
+            controller.forget(command);
+    }
+
     qm_test::FakeController controller;
 
 private:
     std::optional<qm_test::ArmSession> session_;
-    uint32_t saved_query_ = m_nOutTime;
-    uint32_t saved_set_ = m_nOutTime_max;
+    catalogue_test::SavedTimeouts saved_timeouts_;
 };
 
 }  // namespace motion_test

@@ -1,7 +1,6 @@
 // Planned moves, the arc move and the streamed targets against a fake controller.
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <string>
 #include <thread>
 
@@ -24,8 +23,6 @@ const float kJoints[7] = {1.5f, -0.0005f, 2.3f, -12.3456f, 180.0f, 0.001f, 99.0f
 const char* const kJointsWire = "[1500,0,2299,-12345,180000,1]";
 const qm_pose_t kPose = make_pose({0.1234567f, -0.0000009f, 2.3f}, {3.142f, -0.0005f, 2.3f});
 const char* const kPoseWire = "[123456,0,2300000,3142,0,2300]";
-
-using Call = std::function<int(qm_robot_handle*)>;
 
 // ---- request bytes ----
 
@@ -75,12 +72,6 @@ TEST_F(PlannedMoveRequest, EachMoveSendsItsMembersInOrderWithItsScaling) {
 
 // ---- acceptance failures ----
 
-struct FailureRow {
-    const char* behaviour;
-    std::optional<std::string> reply;  // none: the controller stays silent
-    int expected;
-};
-
 class PlannedMoveFailure : public MotionArm {};
 
 TEST_F(PlannedMoveFailure, EveryAcceptanceFailureIsReturnedForBlockingAndNonBlocking) {
@@ -92,10 +83,7 @@ TEST_F(PlannedMoveFailure, EveryAcceptanceFailureIsReturnedForBlockingAndNonBloc
     start();
     for (const FailureRow& row : rows) {
         SCOPED_TRACE(row.behaviour);
-        if (row.reply)
-            controller.reply("movel", *row.reply);
-        else
-            controller.forget("movel");
+        answer("movel", row.reply);
         EXPECT_EQ(qm_movel(arm(), kPose, 10, 0, 0, QM_MOVE_NBLOCK), row.expected);
         EXPECT_EQ(qm_movel(arm(), kPose, 10, 0, 0, QM_MOVE_MULTI_BLOCK), row.expected);
     }

@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
+#include "catalogue_support.h"
 #include "fake_controller.h"
 #include "log_capture.h"
-#include "mio_json.h"
 #include "qm_handle.h"
 #include "qm_interface.h"
 
@@ -16,11 +16,7 @@ using namespace std::chrono_literals;
 
 std::vector<std::string> commands_of(const std::vector<std::string>& lines) {
     std::vector<std::string> commands;
-    for (const std::string& line : lines) {
-        JsonPtr tree = json_parse(line.c_str());
-        const char* command = MIO_JSON_GetObjectItemStr(tree.get(), "command");
-        commands.emplace_back(command ? command : "");
-    }
+    for (const std::string& line : lines) commands.push_back(catalogue_test::command_of(line));
     return commands;
 }
 
@@ -29,8 +25,7 @@ protected:
     void SetUp() override { ASSERT_EQ(qm_init(QM_DUAL_MODE_E), 0); }
     void TearDown() override {
         qm_destory();
-        m_nOutTime = saved_query_;
-        m_nOutTime_max = saved_set_;
+        saved_timeouts_.restore();
     }
 
     template <class Read>
@@ -42,8 +37,7 @@ protected:
     qm_test::FakeController controller;
 
 private:
-    uint32_t saved_query_ = m_nOutTime;
-    uint32_t saved_set_ = m_nOutTime_max;
+    catalogue_test::SavedTimeouts saved_timeouts_;
 };
 
 TEST_F(Synchronisation, ConnectingAQm65AsksEverythingInOrderAndKeepsIt) {

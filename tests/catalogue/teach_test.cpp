@@ -1,23 +1,13 @@
 // Step moves, jogs, the teach frame and the stop commands against a fake controller.
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <string>
 
 #include "log_capture.h"
-#include "mio_json.h"
 #include "motion_fixture.h"
 
 namespace motion_test {
 namespace {
-
-using Call = std::function<int(qm_robot_handle*)>;
-
-std::string command_of(const std::string& line) {
-    JsonPtr tree = json_parse(line.c_str());
-    const char* command = MIO_JSON_GetObjectItemStr(tree.get(), "command");
-    return command ? command : "";
-}
 
 // ---- step moves ----
 
@@ -90,23 +80,16 @@ TEST_F(StepMove, BlockingStepReportsAnotherDevicesArrivalWithMinusFour) {
 }
 
 TEST_F(StepMove, BlockingStepReturnsAcceptanceFailuresWithoutWaiting) {
-    const struct {
-        const char* behaviour;
-        std::optional<std::string> reply;
-        int expected;
-    } rows[] = {
+    const FailureRow rows[] = {
         {"refused", accepted("set_ort_step", false), 1},
         {"no reply in time", std::nullopt, -2},
         {"reply without receive_state", R"({"command":"set_ort_step"})", -3},
     };
     start();
-    for (const auto& row : rows) {
+    for (const FailureRow& row : rows) {
         SCOPED_TRACE(row.behaviour);
         controller.clear_received();
-        if (row.reply)
-            controller.reply("set_ort_step", *row.reply);
-        else
-            controller.forget("set_ort_step");
+        answer("set_ort_step", row.reply);
         EXPECT_EQ(qm_set_ort_step(arm(), QM_RZ_ROTATE_E, 0.1f, 10, QM_MOVE_MULTI_BLOCK), row.expected);
         EXPECT_EQ(only_line(), R"({"command":"set_ort_step","v":10,"step":100,"step_type":"rz_step"})");
     }
@@ -177,22 +160,15 @@ TEST_F(TeachAndStop, EachCommandSendsItsMembersAndJudgesItsOwnReplyMember) {
 }
 
 TEST_F(TeachAndStop, ReplyFailuresAreReturned) {
-    const struct {
-        const char* behaviour;
-        std::optional<std::string> reply;
-        int expected;
-    } rows[] = {
+    const FailureRow rows[] = {
         {"refused", R"({"command":"set_arm_pause","arm_pause":false})", 1},
         {"no reply in time", std::nullopt, -2},
         {"the judged member is missing", R"({"command":"set_arm_pause","set_state":true})", -3},
     };
     start();
-    for (const auto& row : rows) {
+    for (const FailureRow& row : rows) {
         SCOPED_TRACE(row.behaviour);
-        if (row.reply)
-            controller.reply("set_arm_pause", *row.reply);
-        else
-            controller.forget("set_arm_pause");
+        answer("set_arm_pause", row.reply);
         EXPECT_EQ(qm_set_arm_pause(arm()), row.expected);
     }
     qm_robot_handle stranger{1};

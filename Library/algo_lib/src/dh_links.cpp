@@ -1,6 +1,7 @@
 // Single link transforms and the general chain product.
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 #include "qman_kinematics.h"
 #include "qman_mathfuncs.h"
@@ -24,7 +25,20 @@ Twist twist(float alpha) {
     return {std::cos(alpha), std::sin(alpha)};
 }
 
-bool valid_link(int i) { return i >= 0 && i < ROBOT_DOF; }
+// What both conventions build link i from; none for a link outside the table or without data.
+struct LinkTerms {
+    float ct;
+    float st;
+    Twist t;
+    float a;
+    float d;
+};
+
+std::optional<LinkTerms> link_terms(int i, const DH* dh, const float* q) {
+    if (i < 0 || i >= ROBOT_DOF || dh == nullptr || q == nullptr) return std::nullopt;
+    const float theta = q[i] + dh->offset[i];
+    return LinkTerms{std::cos(theta), std::sin(theta), twist(dh->alpha[i]), dh->a[i], dh->d[i]};
+}
 
 }  // namespace
 
@@ -32,11 +46,9 @@ extern "C" {
 
 Matrix kin_get_MDH_Ti(int i, const DH* dh, const float* q) {
     Matrix m = unit_matrix(4);
-    if (!valid_link(i) || dh == nullptr || q == nullptr) return m;
-    const float theta = q[i] + dh->offset[i];
-    const float ct = std::cos(theta), st = std::sin(theta);
-    const Twist t = twist(dh->alpha[i]);
-    const float a = dh->a[i], d = dh->d[i];
+    const std::optional<LinkTerms> terms = link_terms(i, dh, q);
+    if (!terms) return m;
+    const auto [ct, st, t, a, d] = *terms;
     m.data[0][0] = ct;
     m.data[0][1] = -st;
     m.data[0][2] = 0.0f;
@@ -54,11 +66,9 @@ Matrix kin_get_MDH_Ti(int i, const DH* dh, const float* q) {
 
 Matrix kin_get_SDH_Ti(int i, const DH* dh, const float* q) {
     Matrix m = unit_matrix(4);
-    if (!valid_link(i) || dh == nullptr || q == nullptr) return m;
-    const float theta = q[i] + dh->offset[i];
-    const float ct = std::cos(theta), st = std::sin(theta);
-    const Twist t = twist(dh->alpha[i]);
-    const float a = dh->a[i], d = dh->d[i];
+    const std::optional<LinkTerms> terms = link_terms(i, dh, q);
+    if (!terms) return m;
+    const auto [ct, st, t, a, d] = *terms;
     m.data[0][0] = ct;
     m.data[0][1] = -st * t.c;
     m.data[0][2] = st * t.s;

@@ -13,6 +13,12 @@ void copy_n_floats(const float* from, float* to, int n) {
 
 void copy_joints(const float* from, float* to) { copy_n_floats(from, to, ROBOT_DOF); }
 
+void copy_motion(const JointMotion& from, float* q, float* dq, float* ddq) {
+    copy_joints(from.q, q);
+    copy_joints(from.dq, dq);
+    copy_joints(from.ddq, ddq);
+}
+
 }  // namespace
 
 extern "C" {
@@ -80,15 +86,11 @@ void libalgo_set_trajectory_planning_joint_cmd(const float* q, const float* dq, 
 }
 
 void libalgo_get_trajectory_planning_joint_cmd(float* q, float* dq, float* ddq) {
-    copy_joints(robot.plan_cmd.q, q);
-    copy_joints(robot.plan_cmd.dq, dq);
-    copy_joints(robot.plan_cmd.ddq, ddq);
+    copy_motion(robot.plan_cmd, q, dq, ddq);
 }
 
 void libalgo_get_trajectory_planning_joint_cur(float* q, float* dq, float* ddq) {
-    copy_joints(robot.plan_cur.q, q);
-    copy_joints(robot.plan_cur.dq, dq);
-    copy_joints(robot.plan_cur.ddq, ddq);
+    copy_motion(robot.plan_cur, q, dq, ddq);
 }
 
 }  // extern "C"

@@ -16,42 +16,37 @@ float wrap_angle(float angle) { return angle < kWrapBelow ? angle + kTwoPi : ang
 
 Matrix rotation3() { return zero_matrix(3, 3); }
 
+// Rotation about x, y or z: the axis row and column stay unit, the next two axes (cyclically)
+// turn by the angle.
+Matrix axis_rotation(int axis, float angle) {
+    const float c = std::cos(angle), s = std::sin(angle);
+    const int i = (axis + 1) % 3, j = (axis + 2) % 3;
+    Matrix m = rotation3();
+    m.data[axis][axis] = 1.0f;
+    m.data[i][i] = c;
+    m.data[i][j] = -s;
+    m.data[j][i] = s;
+    m.data[j][j] = c;
+    return m;
+}
+
+// A rotation widened to a rigid transform that moves to p.
+Matrix with_translation(Matrix t, Pos p) {
+    t.irow = t.iline = 4;
+    t.data[0][3] = p.x;
+    t.data[1][3] = p.y;
+    t.data[2][3] = p.z;
+    t.data[3][3] = 1.0f;
+    return t;
+}
+
 }  // namespace
 
 extern "C" {
 
-Matrix rotx(float angle) {
-    const float c = std::cos(angle), s = std::sin(angle);
-    Matrix m = rotation3();
-    m.data[0][0] = 1.0f;
-    m.data[1][1] = c;
-    m.data[1][2] = -s;
-    m.data[2][1] = s;
-    m.data[2][2] = c;
-    return m;
-}
-
-Matrix roty(float angle) {
-    const float c = std::cos(angle), s = std::sin(angle);
-    Matrix m = rotation3();
-    m.data[0][0] = c;
-    m.data[0][2] = s;
-    m.data[1][1] = 1.0f;
-    m.data[2][0] = -s;
-    m.data[2][2] = c;
-    return m;
-}
-
-Matrix rotz(float angle) {
-    const float c = std::cos(angle), s = std::sin(angle);
-    Matrix m = rotation3();
-    m.data[0][0] = c;
-    m.data[0][1] = -s;
-    m.data[1][0] = s;
-    m.data[1][1] = c;
-    m.data[2][2] = 1.0f;
-    return m;
-}
+Matrix rotx(float angle) { return axis_rotation(0, angle); }
+Matrix roty(float angle) { return axis_rotation(1, angle); }
+Matrix rotz(float angle) { return axis_rotation(2, angle); }
 
 Matrix matrix_T2R(Matrix t) {
     Matrix r = rotation3();
@@ -145,25 +140,9 @@ Quat matrix_to_quat(Matrix r) {
     return Quat{(R[1][0] - R[0][1]) / S, (R[0][2] + R[2][0]) / S, (R[1][2] + R[2][1]) / S, 0.25f * S};
 }
 
-Matrix pose_euler_to_transformation_matrix(Pos p, Euler e) {
-    Matrix t = euler_to_matrix(e);
-    t.irow = t.iline = 4;
-    t.data[0][3] = p.x;
-    t.data[1][3] = p.y;
-    t.data[2][3] = p.z;
-    t.data[3][3] = 1.0f;
-    return t;
-}
+Matrix pose_euler_to_transformation_matrix(Pos p, Euler e) { return with_translation(euler_to_matrix(e), p); }
 
-Matrix pose_quat_to_transformation_matrix(Pos p, Quat q) {
-    Matrix t = quat_to_matrix(q);
-    t.irow = t.iline = 4;
-    t.data[0][3] = p.x;
-    t.data[1][3] = p.y;
-    t.data[2][3] = p.z;
-    t.data[3][3] = 1.0f;
-    return t;
-}
+Matrix pose_quat_to_transformation_matrix(Pos p, Quat q) { return with_translation(quat_to_matrix(q), p); }
 
 Pose transformation_matrix_to_pose(Matrix t) {
     Pose p{};

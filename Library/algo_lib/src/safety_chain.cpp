@@ -19,6 +19,16 @@ void along_axis(const Matrix& m, int axis, float length, float* p) {
     for (int r = 0; r < 3; ++r) p[r] = m.data[r][3] + length * m.data[r][axis];
 }
 
+// One link's transform from its own parameters, through a table of a single row.
+Matrix single_link(Matrix (*link)(int, const DH*, const float*), float theta, float d, float a, float alpha) {
+    DH row{};
+    row.d[0] = d;
+    row.a[0] = a;
+    row.alpha[0] = alpha;
+    const float q[ROBOT_DOF] = {theta};
+    return link(0, &row, q);
+}
+
 constexpr int kAxisX = 0;
 constexpr int kAxisZ = 2;
 
@@ -35,21 +45,11 @@ extern "C" {
 Matrix T_eye(void) { return unit_matrix(4); }
 
 Matrix standard_dh(float theta, float d, float a, float alpha) {
-    DH link{};
-    link.d[0] = d;
-    link.a[0] = a;
-    link.alpha[0] = alpha;
-    const float q[ROBOT_DOF] = {theta};
-    return kin_get_SDH_Ti(0, &link, q);
+    return single_link(kin_get_SDH_Ti, theta, d, a, alpha);
 }
 
 Matrix modified_dh(float alpha, float a, float theta, float d) {
-    DH link{};
-    link.d[0] = d;
-    link.a[0] = a;
-    link.alpha[0] = alpha;
-    const float q[ROBOT_DOF] = {theta};
-    return kin_get_MDH_Ti(0, &link, q);
+    return single_link(kin_get_MDH_Ti, theta, d, a, alpha);
 }
 
 void calc_joint_points(const DH* dh, const float* q, int dof, int standard, JointPoints* out) {

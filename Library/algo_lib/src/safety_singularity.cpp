@@ -63,18 +63,14 @@ double smallest_eigenvalue(std::array<std::array<double, 6>, 6> a) {
                 const double t = (theta >= 0 ? 1.0 : -1.0) / (std::fabs(theta) + std::sqrt(theta * theta + 1.0));
                 const double c = 1.0 / std::sqrt(t * t + 1.0);
                 const double s = t * c;
-                for (int k = 0; k < n; ++k) {
-                    const double akp = a[k][p];
-                    const double akq = a[k][q];
-                    a[k][p] = c * akp - s * akq;
-                    a[k][q] = s * akp + c * akq;
-                }
-                for (int k = 0; k < n; ++k) {
-                    const double apk = a[p][k];
-                    const double aqk = a[q][k];
-                    a[p][k] = c * apk - s * aqk;
-                    a[q][k] = s * apk + c * aqk;
-                }
+                const auto turn = [c, s](double& x, double& y) {
+                    const double u = x;
+                    const double v = y;
+                    x = c * u - s * v;
+                    y = s * u + c * v;
+                };
+                for (int k = 0; k < n; ++k) turn(a[k][p], a[k][q]);  // columns p and q
+                for (int k = 0; k < n; ++k) turn(a[p][k], a[q][k]);  // then rows p and q
             }
         }
     }

@@ -18,6 +18,7 @@
 #include <array>
 #include <chrono>
 #include <cstdint>
+#include <cstring>
 #include <functional>
 #include <initializer_list>
 #include <span>
@@ -187,7 +188,12 @@ struct ArrayField {
 int dof_or_disconnected(const char* caller, qm_robot_handle* handle);
 
 // Exchange; then the arm's dof is read (after the exchange, deliberately: the request goes out
-// before the dof is known); then the arrays are parsed with one key table, in order, and stored
+// before the dof is known). 0 with the reply in `text` and the dof in `dof`, the exchange's code
+// (below 1), or -1 for a disconnected arm.
+int exchange_with_dof(const char* caller, qm_robot_handle* handle, const Request& req, const Reply& reply,
+                      std::string& text, int& dof);
+
+// exchange_with_dof; then the arrays are parsed with one key table, in order, and stored
 // element by element. 0, the exchange's code, -1 for a disconnected arm, or the parse result.
 // `dof` receives the dof used when given.
 int query_dof_arrays(const char* caller, qm_robot_handle* handle, const Request& req, const Reply& reply,
@@ -219,6 +225,12 @@ struct JointArrayQuery {
 void copy_text(char* dst, std::size_t field_size, const char* src, std::size_t max_chars);
 template <std::size_t N>
 void copy_text(char (&dst)[N], const char* src, std::size_t max_chars = N) { copy_text(dst, N, src, max_chars); }
+
+// A name field of a caller's record, which need not be terminated.
+template <std::size_t N>
+std::string field_text(const char (&field)[N]) {
+    return std::string(field, strnlen(field, N));
+}
 
 // Runs `write` on the connection record under the table's read lock; -1 when it is gone.
 int with_record(qm_robot_handle* handle, const std::function<void(qm_handle_t&)>& write);

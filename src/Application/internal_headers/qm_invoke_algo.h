@@ -3,6 +3,8 @@
 #ifndef QM_INVOKE_ALGO_H
 #define QM_INVOKE_ALGO_H
 
+#include <array>
+
 #include "algo_api.h"
 #include "qm_define.h"
 
@@ -34,6 +36,13 @@ inline float acc_out(float value) { return static_cast<float>(value / kDegToRad 
 int invoke_dof();
 void invoke_joints_to_rad(const float* deg, float* rad);
 void invoke_joints_to_deg(const float* rad, float* deg);
+// Joint degrees as a library array of radians, to pass straight on.
+using JointRadians = std::array<float, ROBOT_DOF>;
+inline JointRadians invoke_rad_of(const float* deg) {
+    JointRadians rad;
+    invoke_joints_to_rad(deg, rad.data());
+    return rad;
+}
 
 // Public model and sensor to the library's types: 4 gives QML63IV, unknown models QM65.
 RobotType invoke_robot_type(int model);
@@ -48,7 +57,8 @@ void invoke_get_work_frame(qm_frame_t* frame);
 void invoke_set_tool_frame(const qm_frame_t& frame);
 void invoke_get_tool_frame(qm_frame_t* frame);
 
-// Per-joint limits through their unit rule; only the model's joints are touched.
+// Per-joint limits through their unit rule; only the model's joints are touched, a null
+// array is ignored.
 enum class JointLimit { Max, Min, Speed, Acc };
 void invoke_set_joint_limit(JointLimit which, const float* value);
 void invoke_get_joint_limit(JointLimit which, float* value);

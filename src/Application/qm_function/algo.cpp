@@ -39,9 +39,7 @@ Matrix transform_of(const qm_pose_t& p) { return algo_pose_to_matrix(invoke_to_p
 
 Matrix Forward_Kinematics_e(const float* joint) {
     if (joint == nullptr) return zero_matrix(4, 4);
-    float q[ROBOT_DOF];
-    invoke_joints_to_rad(joint, q);
-    return forward_kinematics_e(q);
+    return forward_kinematics_e(invoke_rad_of(joint).data());
 }
 
 extern "C" {
@@ -66,30 +64,14 @@ void qm_algo_get_curr_toolframe(qm_frame_t* frame) {
     if (frame != nullptr) invoke_get_tool_frame(frame);
 }
 
-void qm_algo_set_joint_max_limit(const float* joint_limit) {
-    if (joint_limit != nullptr) invoke_set_joint_limit(JointLimit::Max, joint_limit);
-}
-void qm_algo_get_joint_max_limit(float* joint_limit) {
-    if (joint_limit != nullptr) invoke_get_joint_limit(JointLimit::Max, joint_limit);
-}
-void qm_algo_set_joint_min_limit(const float* joint_limit) {
-    if (joint_limit != nullptr) invoke_set_joint_limit(JointLimit::Min, joint_limit);
-}
-void qm_algo_get_joint_min_limit(float* joint_limit) {
-    if (joint_limit != nullptr) invoke_get_joint_limit(JointLimit::Min, joint_limit);
-}
-void qm_algo_set_joint_max_speed(const float* joint_speed) {
-    if (joint_speed != nullptr) invoke_set_joint_limit(JointLimit::Speed, joint_speed);
-}
-void qm_algo_get_joint_max_speed(float* joint_speed) {
-    if (joint_speed != nullptr) invoke_get_joint_limit(JointLimit::Speed, joint_speed);
-}
-void qm_algo_set_joint_max_acc(const float* joint_acc) {
-    if (joint_acc != nullptr) invoke_set_joint_limit(JointLimit::Acc, joint_acc);
-}
-void qm_algo_get_joint_max_acc(float* joint_acc) {
-    if (joint_acc != nullptr) invoke_get_joint_limit(JointLimit::Acc, joint_acc);
-}
+void qm_algo_set_joint_max_limit(const float* joint_limit) { invoke_set_joint_limit(JointLimit::Max, joint_limit); }
+void qm_algo_get_joint_max_limit(float* joint_limit) { invoke_get_joint_limit(JointLimit::Max, joint_limit); }
+void qm_algo_set_joint_min_limit(const float* joint_limit) { invoke_set_joint_limit(JointLimit::Min, joint_limit); }
+void qm_algo_get_joint_min_limit(float* joint_limit) { invoke_get_joint_limit(JointLimit::Min, joint_limit); }
+void qm_algo_set_joint_max_speed(const float* joint_speed) { invoke_set_joint_limit(JointLimit::Speed, joint_speed); }
+void qm_algo_get_joint_max_speed(float* joint_speed) { invoke_get_joint_limit(JointLimit::Speed, joint_speed); }
+void qm_algo_set_joint_max_acc(const float* joint_acc) { invoke_set_joint_limit(JointLimit::Acc, joint_acc); }
+void qm_algo_get_joint_max_acc(float* joint_acc) { invoke_get_joint_limit(JointLimit::Acc, joint_acc); }
 
 void qm_algo_set_dh(qm_dh_t dh) { invoke_set_dh(dh); }
 qm_dh_t qm_algo_get_dh(void) { return invoke_get_dh(); }
@@ -123,9 +105,7 @@ void qm_algo_arm_state_set(qm_robot_handle* handle) {
 qm_pose_t qm_algo_forward_kinematics(qm_robot_handle* handle, const float* joint) {
     qm_algo_arm_state_set(handle);
     if (joint == nullptr) return qm_pose_t{};
-    float q[ROBOT_DOF];
-    invoke_joints_to_rad(joint, q);
-    return invoke_from_pose(forward_kinematics(q));
+    return invoke_from_pose(forward_kinematics(invoke_rad_of(joint).data()));
 }
 
 int qm_algo_inverse_kinematics(qm_robot_handle* handle, qm_inverse_kinematics_params_t params, float* q_out) {
@@ -145,11 +125,9 @@ int qm_algo_inverse_kinematics(qm_robot_handle* handle, qm_inverse_kinematics_pa
 qm_inverse_kinematics_all_solve_t qm_algo_inverse_kinematics_all(qm_robot_handle* handle,
                                                                  qm_inverse_kinematics_params_t params) {
     qm_algo_arm_state_set(handle);
-    float q_ref[ROBOT_DOF];
-    invoke_joints_to_rad(params.q_in, q_ref);
     const Pose target = invoke_to_pose(params.q_pose);
     IkSolve solve{};
-    inverse_kinematics_all(&solve, q_ref, &target, invoke_ik_form(params.flag));
+    inverse_kinematics_all(&solve, invoke_rad_of(params.q_in).data(), &target, invoke_ik_form(params.flag));
     return invoke_from_ik_solve(solve);
 }
 
@@ -161,25 +139,17 @@ int qm_algo_ikine_select_ik_solve(const float* weight, qm_inverse_kinematics_all
 
 int qm_algo_ikine_check_joint_position_limit(const float* q_solve) {
     if (q_solve == nullptr) return IKINE_LIMITED;
-    float q[ROBOT_DOF];
-    invoke_joints_to_rad(q_solve, q);
-    return ikine_check_joint_position_limit(q);
+    return ikine_check_joint_position_limit(invoke_rad_of(q_solve).data());
 }
 
 int qm_algo_ikine_check_joint_velocity_limit(float dt, const float* q_ref, const float* q_solve) {
     if (q_ref == nullptr || q_solve == nullptr) return IKINE_OVERSPEED;
-    float prev[ROBOT_DOF];
-    float next[ROBOT_DOF];
-    invoke_joints_to_rad(q_ref, prev);
-    invoke_joints_to_rad(q_solve, next);
-    return ikine_check_joint_velocity_limit(next, prev, dt);
+    return ikine_check_joint_velocity_limit(invoke_rad_of(q_solve).data(), invoke_rad_of(q_ref).data(), dt);
 }
 
 int qm_algo_judgment_overpos(const float* joint) {
     if (joint == nullptr) return -1;
-    float q[ROBOT_DOF];
-    invoke_joints_to_rad(joint, q);
-    return ikine_check_joint_position_limit(q) == 0 ? 0 : -1;
+    return ikine_check_joint_position_limit(invoke_rad_of(joint).data()) == 0 ? 0 : -1;
 }
 
 qm_quat_t qm_algo_euler2quaternion(qm_euler_t eu) {
@@ -218,16 +188,12 @@ qm_pose_t qm_algo_tool2end(qm_robot_handle* handle, qm_pose_t eu_tool) {
 
 int qm_algo_universal_singularity_analyse(const float* q, float singular_value_limit) {
     if (q == nullptr) return -1;
-    float rad[ROBOT_DOF];
-    invoke_joints_to_rad(q, rad);
-    return universal_singularity_analyse(rad, singular_value_limit);
+    return universal_singularity_analyse(invoke_rad_of(q).data(), singular_value_limit);
 }
 
 int qm_algo_kin_robot_singularity_analyse(const float* q, float* distance) {
     if (q == nullptr) return -1;
-    float rad[ROBOT_DOF];
-    invoke_joints_to_rad(q, rad);
-    return kin_robot_singularity_analyse(rad, distance);
+    return kin_robot_singularity_analyse(invoke_rad_of(q).data(), distance);
 }
 
 void qm_algo_kin_set_singularity_thresholds(float limit_qe, float limit_qw, float limit_d) {
@@ -253,26 +219,20 @@ qm_tool_sphere_t qm_algo_get_tool_envelope(int toolSphere_i) {
 
 int qm_algo_safety_robot_self_collision_detection(const float* joint) {
     if (joint == nullptr) return 1;
-    float q[ROBOT_DOF];
-    invoke_joints_to_rad(joint, q);
-    return safety_robot_self_collision_detection(q);
+    return safety_robot_self_collision_detection(invoke_rad_of(joint).data());
 }
 
 float qm_algo_calculate_arm_angle_from_config_qm75(const float* q_ref) {
     if (q_ref == nullptr) return 0.0f;
-    float q[ROBOT_DOF];
-    invoke_joints_to_rad(q_ref, q);
-    return calculate_arm_angle_from_config_qm75(q);
+    return calculate_arm_angle_from_config_qm75(invoke_rad_of(q_ref).data());
 }
 
 int qm_algo_inverse_kinematics_qm75_for_arm_angle(const float* q_ref, qm_pose_t target, float arm_angle,
                                                   float* q_solve) {
     if (q_ref == nullptr || q_solve == nullptr) return IKINE_FAILED;
-    float ref[ROBOT_DOF];
     float solved[ROBOT_DOF] = {};
-    invoke_joints_to_rad(q_ref, ref);
     const Pose pose = invoke_to_pose(target);
-    const int rc = inverse_kinematics_qm75_for_arm_angle(ref, &pose, arm_angle, solved);
+    const int rc = inverse_kinematics_qm75_for_arm_angle(invoke_rad_of(q_ref).data(), &pose, arm_angle, solved);
     if (rc == IKINE_SUCCESSFUL) invoke_joints_to_deg(solved, q_solve);
     return rc;
 }

@@ -50,11 +50,10 @@ extern "C" {
 
 int qm_get_current_arm_state(qm_robot_handle* handle, qm_current_arm_state_t* state) {
     std::string text;
-    if (int rc = exchange(__func__, handle, Request("get_current_arm_state"), Reply::query("current_arm_state"), text);
-        rc < 1)
+    int dof = 0;
+    if (int rc = exchange_with_dof(__func__, handle, Request("get_current_arm_state"),
+                                   Reply::query("current_arm_state"), text, dof))
         return rc;
-    const int dof = dof_or_disconnected(__func__, handle);
-    if (dof < 0) return -1;
 
     qm_err_t err{};
     if (int rc = parse_err_list(__func__, text, err)) return rc;
@@ -84,10 +83,10 @@ int qm_get_joint_degree(qm_robot_handle* handle, float* joint) { return kJointDe
 
 int qm_get_arm_all_state(qm_robot_handle* handle, qm_arm_all_state_t* state) {
     std::string text;
-    if (int rc = exchange(__func__, handle, Request("get_arm_all_state"), Reply::query("arm_all_state"), text); rc < 1)
+    int dof = 0;
+    if (int rc = exchange_with_dof(__func__, handle, Request("get_arm_all_state"), Reply::query("arm_all_state"),
+                                   text, dof))
         return rc;
-    const int dof = dof_or_disconnected(__func__, handle);
-    if (dof < 0) return -1;
 
     KeyValue table[] = {array_member("temperature", dof), array_member("current", dof), array_member("voltage", dof),
                         array_member("err_flag", dof), array_member("en_flag", dof)};

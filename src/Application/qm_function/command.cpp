@@ -184,12 +184,18 @@ int dof_or_disconnected(const char* caller, qm_robot_handle* handle) {
     return dof;
 }
 
+int exchange_with_dof(const char* caller, qm_robot_handle* handle, const Request& req, const Reply& reply,
+                      std::string& text, int& dof) {
+    if (int rc = exchange(caller, handle, req, reply, text); rc < 1) return rc;
+    dof = dof_or_disconnected(caller, handle);
+    return dof < 0 ? -1 : 0;
+}
+
 int query_dof_arrays(const char* caller, qm_robot_handle* handle, const Request& req, const Reply& reply,
                      std::initializer_list<ArrayField> arrays, int* dof) {
     std::string text;
-    if (int rc = exchange(caller, handle, req, reply, text); rc < 1) return rc;
-    const int joints = dof_or_disconnected(caller, handle);
-    if (joints < 0) return -1;
+    int joints = 0;
+    if (int rc = exchange_with_dof(caller, handle, req, reply, text, joints)) return rc;
 
     std::vector<KeyValue> table;
     table.reserve(arrays.size());

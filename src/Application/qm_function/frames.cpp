@@ -1,6 +1,5 @@
 // Tool and work frames: created, selected, updated, deleted, listed and read; the current
 // ones are also kept in the connection record and as process-wide transforms.
-#include <algorithm>
 #include <cstring>
 #include <mutex>
 
@@ -15,12 +14,6 @@ namespace {
 std::mutex g_matrix_mutex;
 qm_matrix_t Tool_Matrix{};
 qm_matrix_t Frame_Matrix{};
-
-// A name field of a caller's record, which need not be terminated.
-template <std::size_t N>
-std::string field_text(const char (&field)[N]) {
-    return std::string(field, strnlen(field, N));
-}
 
 // n numbers of an integer array member, or false.
 bool read_ints(const cJSON* array, int n, int* out) {
@@ -239,58 +232,6 @@ int by_name_then_reread(const char* caller, qm_robot_handle* handle, const char*
     return reread(handle, &current);
 }
 
-// ---- tool envelope ----
-
-JsonPtr envelope_list(const qm_envelope_balls_list_t& envelope) {
-    JsonPtr list(cJSON_CreateArray());
-    const int size = envelope.size < 0 ? 0 : std::min(envelope.size, 5);
-    for (int i = 0; i < size; ++i) {
-        const qm_envelopes_ball_t& ball = envelope.balls[i];
-        cJSON* item = cJSON_CreateObject();
-        cJSON_AddStringToObject(item, "name", field_text(ball.name).c_str());
-        cJSON_AddNumberToObject(item, "radius", wire::thousandths(ball.radius));
-        cJSON_AddNumberToObject(item, "x", wire::thousandths(ball.x));
-        cJSON_AddNumberToObject(item, "y", wire::thousandths(ball.y));
-        cJSON_AddNumberToObject(item, "z", wire::thousandths(ball.z));
-        cJSON_AddItemToArray(list.get(), item);
-    }
-    return list;
-}
-
-float number_of(const cJSON* object, const char* key) {
-    const cJSON* item = MIO_JSON_GetObjectItem(object, key);
-    return cJSON_IsNumber(item) ? wire::from_thousandths(item->valueint) : 0.0f;
-}
-
-int Parser_Get_Tool_Envelope(const char* caller, const char* text, qm_envelope_balls_list_t& envelope) {
-    JsonPtr root = json_parse(text);
-    if (!root) {
-        qm_log_error("[%s] parser error!", caller);
-        return -3;
-    }
-    if (MIO_JSON_GetObjectItemBool(root.get(), "get_state") == 0) {
-        qm_log_error("[%s] Get tool envelope return false! You can check if the tool frame exists.\n", caller);
-        return 1;
-    }
-    const cJSON* list = MIO_JSON_GetObjectItem(root.get(), "list");
-    if (!cJSON_IsArray(list)) {
-        qm_log_error("[%s] parser error!", caller);
-        return -3;
-    }
-    copy_text(envelope.tool_name, MIO_JSON_GetObjectItemStr(root.get(), "tool_name"));
-    int size = 0;
-    for (const cJSON* item = list->child; item && size < 5; item = item->next, ++size) {
-        qm_envelopes_ball_t& ball = envelope.balls[size];
-        copy_text(ball.name, MIO_JSON_GetObjectItemStr(item, "name"));
-        ball.radius = number_of(item, "radius");
-        ball.x = number_of(item, "x");
-        ball.y = number_of(item, "y");
-        ball.z = number_of(item, "z");
-    }
-    envelope.size = size;
-    return 0;
-}
-
 }  // namespace
 
 qm_matrix_t qm_tool_matrix() {
@@ -398,25 +339,6 @@ int qm_get_given_work_frame(qm_robot_handle* handle, const char* name, qm_pose_t
     const int rc = read_given(__func__, handle, kGivenWork, name, frame);
     if (rc == 0) *pose = frame.pose;
     return rc;
-}
-
-// ---- tool envelope ----
-
-int qm_set_tool_envelope(qm_robot_handle* handle, qm_envelope_balls_list_t envelope) {
-    Request req("set_tool_envelope");
-    req.str("tool_name", field_text(envelope.tool_name).c_str()).object("list", envelope_list(envelope));
-    const int rc = send_set(__func__, handle, req, Reply("set_tool_envelope", "set_state"));
-    if (rc == 1)
-        qm_log_error("[%s] Set tool envelope return false! You can check if the tool frame exists.\n", __func__);
-    return rc;
-}
-
-int qm_get_tool_envelope(qm_robot_handle* handle, const char* tool_name, qm_envelope_balls_list_t* envelope) {
-    Request req("get_tool_envelope");
-    req.str("tool_name", tool_name);
-    std::string text;
-    if (int rc = exchange(__func__, handle, req, Reply::query("get_tool_envelope"), text); rc < 1) return rc;
-    return Parser_Get_Tool_Envelope(__func__, text.c_str(), *envelope);
 }
 
 }  // extern "C"

@@ -32,11 +32,10 @@ int qm_get_install_pose(qm_robot_handle* handle, float* x, float* y, float* z) {
 
 int qm_get_DH_data(qm_robot_handle* handle, qm_dh_t* dh) {
     std::string text;
-    if (int rc = exchange(__func__, handle, Request("get_DH_data"), Reply::query("get_DH_data").within(1000ms), text);
-        rc < 1)
+    int dof = 0;
+    if (int rc = exchange_with_dof(__func__, handle, Request("get_DH_data"), Reply::query("get_DH_data").within(1000ms),
+                                   text, dof))
         return rc;
-    const int dof = dof_or_disconnected(__func__, handle);
-    if (dof < 0) return -1;
 
     // Joints beyond the arm's dof carry no defined values; only the arm's own rows are read.
     const int joints = std::min(dof, kDhJointCount);

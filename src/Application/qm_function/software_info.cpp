@@ -1,6 +1,7 @@
 // The controller's software information, and what it tells the connection about the arm:
 // model, dof, force-sensing variant and controller generation.
 #include <cstring>
+#include <initializer_list>
 #include <string_view>
 
 #include "log.h"
@@ -32,29 +33,57 @@ struct ForceSuffix {
 constexpr ForceSuffix kForceSuffixes[] = {
     {"-B", QM_MODEL_QM_B_E}, {"-ZF", QM_MODEL_QM_ZF_E}, {"-6FB", QM_MODEL_QM_ISF_E}, {"-6F", QM_MODEL_QM_SF_E}};
 
-// One text member of a section: copied, logged, or refused with its own message and code.
+// One text member of a section: its key, the label its log lines carry, where it is copied to
+// and the code a missing member fails with.
 struct TextMember {
+    template <std::size_t N>
+    TextMember(const char* key, const char* label, char (&field)[N], std::size_t max_chars = N)
+        : key(key), label(label), field(field), field_size(N), max_chars(max_chars) {}
+
+    TextMember failing_with(int code) const {
+        TextMember member = *this;
+        member.failure = code;
+        return member;
+    }
+
     const char* key;
-    const char* parse_error;
-    const char* found;  // debug format
+    const char* label;
+    char* field;
+    std::size_t field_size;
+    std::size_t max_chars;
     int failure = -3;
 };
 
-int read_text(const cJSON* section, const TextMember& member, char* field, std::size_t field_size,
-              std::size_t max_chars) {
-    const char* text = MIO_JSON_GetObjectItemStr(section, member.key);
-    if (!text) {
-        qm_log_error("%s", member.parse_error);
-        return member.failure;
+// The members in order; the first one missing is logged and ends the read.
+int read_texts(const cJSON* section, std::initializer_list<TextMember> members) {
+    for (const TextMember& member : members) {
+        const char* text = MIO_JSON_GetObjectItemStr(section, member.key);
+        if (!text) {
+            qm_log_error(SOFTWARE_INFO "%s parse err\n", member.label);
+            return member.failure;
+        }
+        copy_text(member.field, member.field_size, text, member.max_chars);
+        qm_log_debug(SOFTWARE_INFO "%s: %s\n", member.label, member.field);
     }
-    copy_text(field, field_size, text, max_chars);
-    qm_log_debug(member.found, field);
     return 0;
 }
 
-template <std::size_t N>
-int read_text(const cJSON* section, const TextMember& member, char (&field)[N], std::size_t max_chars = N) {
-    return read_text(section, member, field, N, max_chars);
+// Versions of generation 4.0 controllers: the program section is required, the communication
+// section optional.
+int read_generation4(const cJSON* reply, qm_arm_software_version_t& info) {
+    const cJSON* program = MIO_JSON_GetObjectItem(reply, "program_info");
+    if (!program) {
+        qm_log_error(SOFTWARE_INFO "program info parse err\n");
+        return -3;
+    }
+    // -1 and not -3 for the program version is intended.
+    const TextMember version = TextMember("version", "program version", info.program_info.version).failing_with(-1);
+    if (int rc = read_texts(program, {version, {"build_time", "program build time", info.program_info.build_time}}))
+        return rc;
+    if (const cJSON* com = MIO_JSON_GetObjectItem(reply, "communication_info"))
+        return read_texts(com, {{"version", "communication version", info.com_info.version},
+                                {"build_time", "communication build time", info.com_info.build_time}});
+    return 0;
 }
 
 int decode(const char* text, qm_arm_software_version_t& info) {
@@ -66,78 +95,35 @@ int decode(const char* text, qm_arm_software_version_t& info) {
     const cJSON* reply = root.get();
     info = {};
 
-    if (int rc = read_text(reply, {"Product_version", SOFTWARE_INFO "Product version parse err\n",
-                                   SOFTWARE_INFO "Product version: %s\n"},
-                           info.product_version))
-        return rc;
+    if (int rc = read_texts(reply, {{"Product_version", "Product version", info.product_version}})) return rc;
 
     if (const char* generation = MIO_JSON_GetObjectItemStr(reply, "robot_controller_version")) {
         copy_text(info.robot_controller_version, generation);
         if (std::strcmp(info.robot_controller_version, "4.0") == 0) {
-            const cJSON* program = MIO_JSON_GetObjectItem(reply, "program_info");
-            if (!program) {
-                qm_log_error(SOFTWARE_INFO "program info parse err\n");
-                return -3;
-            }
-            // -1 and not -3 here is intended.
-            if (int rc = read_text(program, {"version", SOFTWARE_INFO "program version parse err\n",
-                                             SOFTWARE_INFO "program version: %s\n", -1},
-                                   info.program_info.version))
-                return rc;
-            if (int rc = read_text(program, {"build_time", SOFTWARE_INFO "program build time parse err\n",
-                                             SOFTWARE_INFO "program build time: %s\n"},
-                                   info.program_info.build_time))
-                return rc;
-            if (const cJSON* com = MIO_JSON_GetObjectItem(reply, "communication_info")) {
-                if (int rc = read_text(com, {"version", SOFTWARE_INFO "communication version parse err\n",
-                                             SOFTWARE_INFO "communication version: %s\n"},
-                                       info.com_info.version))
-                    return rc;
-                if (int rc = read_text(com, {"build_time", SOFTWARE_INFO "communication build time parse err\n",
-                                             SOFTWARE_INFO "communication build time: %s\n"},
-                                       info.com_info.build_time))
-                    return rc;
-            }
+            if (int rc = read_generation4(reply, info)) return rc;
         }
     }
 
     if (const cJSON* algorithm = MIO_JSON_GetObjectItem(reply, "algorithm_info")) {
-        if (int rc = read_text(algorithm, {"version", SOFTWARE_INFO "Algorithm version parse err\n",
-                                           SOFTWARE_INFO "Algorithm version: %s\n"},
-                               info.algorithm_info.version))
-            return rc;
+        if (int rc = read_texts(algorithm, {{"version", "Algorithm version", info.algorithm_info.version}})) return rc;
     }
 
     const cJSON* ctrl = MIO_JSON_GetObjectItem(reply, "ctrl_info");
     if (ctrl) {
-        if (int rc = read_text(ctrl, {"version", SOFTWARE_INFO "Ctrl version parse err\n",
-                                      SOFTWARE_INFO "Ctrl version: %s\n"},
-                               info.ctrl_info.version))
-            return rc;
-        if (int rc = read_text(ctrl, {"build_time", SOFTWARE_INFO "Ctrl build Time parse err\n",
-                                      SOFTWARE_INFO "Ctrl build Time: %s\n"},
-                               info.ctrl_info.build_time))
+        if (int rc = read_texts(ctrl, {{"version", "Ctrl version", info.ctrl_info.version},
+                                       {"build_time", "Ctrl build Time", info.ctrl_info.build_time}}))
             return rc;
     }
 
     if (const cJSON* dynamic = MIO_JSON_GetObjectItem(reply, "dynamic_info")) {
-        if (int rc = read_text(dynamic, {"model_version", SOFTWARE_INFO "Dynamic model version parse err\n",
-                                         SOFTWARE_INFO "Dynamic model version: %s\n"},
-                               info.dynamic_info.model_version))
+        if (int rc = read_texts(dynamic, {{"model_version", "Dynamic model version", info.dynamic_info.model_version}}))
             return rc;
     }
 
     // The plan versions are read from "ctrl_info", not from "plan_info": intended.
-    if (MIO_JSON_GetObjectItem(reply, "plan_info")) {
-        if (int rc = read_text(ctrl, {"version", SOFTWARE_INFO "Plan version parse err\n",
-                                      SOFTWARE_INFO "Plan version: %s\n"},
-                               info.plan_info.version, 8))
-            return rc;
-        if (int rc = read_text(ctrl, {"build_time", SOFTWARE_INFO "Plan build Time parse err\n",
-                                      SOFTWARE_INFO "Plan build Time: %s\n"},
-                               info.plan_info.build_time, 18))
-            return rc;
-    }
+    if (MIO_JSON_GetObjectItem(reply, "plan_info"))
+        return read_texts(ctrl, {{"version", "Plan version", info.plan_info.version, 8},
+                                 {"build_time", "Plan build Time", info.plan_info.build_time, 18}});
     return 0;
 }
 
