@@ -29,22 +29,17 @@ inline Mat4 operator*(const Mat4& a, const Mat4& b) {
     return r;
 }
 
+// Elementary turns and shifts.
 inline Mat4 rot_x(double t) {
-    Mat4 m = identity();
-    m[1][1] = std::cos(t), m[1][2] = -std::sin(t), m[2][1] = std::sin(t), m[2][2] = std::cos(t);
-    return m;
+    return {
+        {{1, 0, 0, 0}, {0, std::cos(t), -std::sin(t), 0}, {0, std::sin(t), std::cos(t), 0}, {0, 0, 0, 1}}};
 }
-
 inline Mat4 rot_z(double t) {
-    Mat4 m = identity();
-    m[0][0] = std::cos(t), m[0][1] = -std::sin(t), m[1][0] = std::sin(t), m[1][1] = std::cos(t);
-    return m;
+    return {
+        {{std::cos(t), -std::sin(t), 0, 0}, {std::sin(t), std::cos(t), 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}}};
 }
-
 inline Mat4 trans(double x, double y, double z) {
-    Mat4 m = identity();
-    m[0][3] = x, m[1][3] = y, m[2][3] = z;
-    return m;
+    return {{{1, 0, 0, x}, {0, 1, 0, y}, {0, 0, 1, z}, {0, 0, 0, 1}}};
 }
 
 // Twists are rounded to the nearest quarter turn when they are one, as the library does.
