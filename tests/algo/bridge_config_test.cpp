@@ -1,10 +1,10 @@
-// Configuring the kinematics library through the bridge: model mapping and loading a
-// connected arm's stored configuration.
+// Configuring the kinematics library through the bridge: model mapping, the unit rules (public
+// degrees in, library radians held, the same values back) and a connected arm's stored data.
 #include <gtest/gtest.h>
 
 #include <array>
-#include <cmath>
 #include <cstring>
+#include <memory>
 
 #include "algo_api.h"
 #include "fake_controller.h"
@@ -15,7 +15,14 @@ namespace {
 
 using Joints = std::array<float, ARM_DOF>;
 
-TEST(BridgeConfig, PublicModelsAndSensorsMapToLibraryTypes) {
+constexpr double kDegToRad = 0.017453292519943295;
+
+class BridgeConfig : public ::testing::Test {
+protected:
+    void SetUp() override { qm_algo_init_sys_data(QM_MODEL_QM_65_E, QM_MODEL_QM_B_E); }
+};
+
+TEST_F(BridgeConfig, PublicModelsAndSensorsMapToLibraryTypes) {
     const struct {
         int model, sensor, robot_type, sensor_type;
     } cases[] = {
@@ -36,79 +43,129 @@ TEST(BridgeConfig, PublicModelsAndSensorsMapToLibraryTypes) {
         EXPECT_EQ(libalgo_get_robot_type(), c.robot_type) << "model " << c.model;
         EXPECT_EQ(libalgo_get_sensor_type(), c.sensor_type) << "model " << c.model;
     }
-}
-
-TEST(BridgeConfig, VersionIsTheLibrarysText) {
     EXPECT_STREQ(qm_algo_version(), "1.5.3-f0364d3b");
 }
 
-TEST(BridgeConfig, NullHandleKeepsTheOfflineConfiguration) {
+TEST_F(BridgeConfig, NullHandleKeepsTheOfflineConfigurationAndNullJointsGiveAnAllZeroPose) {
+    const qm_pose_t none = qm_algo_forward_kinematics(nullptr, nullptr), zero_pose{};
+    EXPECT_EQ(std::memcmp(&none, &zero_pose, sizeof none), 0);
     qm_algo_init_sys_data(QM_MODEL_QM_75_E, QM_MODEL_QM_B_E);
-    qm_algo_set_angle(0, 0, 30);
-    const Joints zero{};
-    const qm_pose_t p = qm_algo_forward_kinematics(nullptr, zero.data());
+    EXPECT_NEAR(qm_algo_forward_kinematics(nullptr, Joints{}.data()).position.z, 0.8505f, 1e-5f);
     EXPECT_EQ(libalgo_get_robot_type(), QM75);
-    EXPECT_NEAR(p.position.z, 0.8505f, 1e-5f);
-    float x = 0, y = 0, z = 0;
-    qm_algo_get_angle(&x, &y, &z);
-    EXPECT_FLOAT_EQ(z, 30.0f);
 }
 
-TEST(BridgeConfig, UnknownHandleWarnsAndChangesNothing) {
-    qm_algo_init_sys_data(QM_MODEL_QM_75_E, QM_MODEL_QM_B_E);
+TEST_F(BridgeConfig, UnknownHandleWarnsAndChangesNothing) {
     qm_test::LogCapture log(LOG_LEVEL_WARN);
     qm_robot_handle stray{3};
     qm_algo_arm_state_set(&stray);
     EXPECT_TRUE(log.contains("The robotic arm is not connected!"));
-    EXPECT_EQ(libalgo_get_robot_type(), QM75);
+    EXPECT_EQ(libalgo_get_robot_type(), QM65);
 }
 
-TEST(BridgeConfig, NullForwardKinematicsJointsGiveAnAllZeroPose) {
-    qm_algo_init_sys_data(QM_MODEL_QM_65_E, QM_MODEL_QM_B_E);
-    const qm_pose_t p = qm_algo_forward_kinematics(nullptr, nullptr);
-    const qm_pose_t zero{};
-    EXPECT_EQ(std::memcmp(&p, &zero, sizeof p), 0);
+TEST_F(BridgeConfig, JointLimitsRoundTripAndLandInTheLibraryInRadians) {
+    const struct {
+        const char* what;
+        void (*set)(const float*);
+        void (*get)(float*);
+        void (*library)(float*);
+        double into;  // library value per public unit
+    } rules[] = {
+        {"max position", qm_algo_set_joint_max_limit, qm_algo_get_joint_max_limit, libalgo_get_jointlim_max,
+         kDegToRad},
+        {"min position", qm_algo_set_joint_min_limit, qm_algo_get_joint_min_limit, libalgo_get_jointlim_min,
+         kDegToRad},
+        {"max speed", qm_algo_set_joint_max_speed, qm_algo_get_joint_max_speed, libalgo_get_joint_vel_maxlim,
+         kDegToRad},
+        // Intended: six times the radians go in, so the value reads back unchanged.
+        {"max acceleration", qm_algo_set_joint_max_acc, qm_algo_get_joint_max_acc,
+         libalgo_get_joint_acc_maxlim, 6 * kDegToRad},
+    };
+    const Joints value = {10, 20, 30, 40, 50, 60, 70};
+    for (const auto& rule : rules) {
+        float before[ROBOT_DOF], lib[ROBOT_DOF];
+        rule.library(before);
+        rule.set(value.data());
+        rule.library(lib);
+        for (int i = 0; i < 6; ++i)
+            EXPECT_FLOAT_EQ(lib[i], static_cast<float>(value[i] * rule.into)) << rule.what << " joint " << i;
+        EXPECT_EQ(lib[6], before[6]) << rule.what << ": a six-joint model leaves the seventh joint alone";
+        Joints back{};
+        rule.get(back.data());
+        for (int i = 0; i < 6; ++i) EXPECT_FLOAT_EQ(back[i], value[i]) << rule.what << " joint " << i;
+        EXPECT_EQ(back[6], 0.0f) << rule.what;
+    }
 }
 
-// A connected arm: the synchronisation stores its configuration in the connection, and
-// every bridge call with its handle loads that configuration first.
-class ConnectedArm : public ::testing::Test {
-protected:
-    void SetUp() override {
-        controller_.answer_sync_queries();
-        // A 0.1 m tool along the flange's z, 90 degrees of installation yaw.
-        controller_.reply(
-            "get_current_tool_frame",
-            R"({"command":"current_tool_frame","tool_name":"Gripper","pose":[0,0,100000,0,0,0],)"
-            R"("payload":0,"position":[0,0,0]})");
-        controller_.reply("get_install_pose", R"({"command":"install_pose","pose":[0,0,90]})");
-        qm_init(QM_DUAL_MODE_E);
-        handle_ = qm_create_robot_arm("127.0.0.1", controller_.port());
-        ASSERT_NE(handle_, nullptr);
-        ASSERT_GT(handle_->id, 0);
+TEST_F(BridgeConfig, InstallAnglesGoInAsRadians) {
+    const float deg[3] = {90, -30, 45};
+    qm_algo_set_angle(deg[0], deg[1], deg[2]);
+    float lib[3], back[3] = {};
+    libalgo_get_robot_install_angle(lib);
+    qm_algo_get_angle(&back[0], &back[1], &back[2]);
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_FLOAT_EQ(lib[i], static_cast<float>(deg[i] * kDegToRad)) << i;
+        EXPECT_EQ(back[i], deg[i]) << i;
     }
-    void TearDown() override {
-        if (handle_ != nullptr) qm_delete_robot_arm(handle_);
-        qm_destory();
-    }
+}
 
-    qm_test::FakeController controller_;
-    qm_robot_handle* handle_ = nullptr;
-};
+TEST_F(BridgeConfig, FramesPassThroughInMetresAndRadians) {
+    qm_frame_t work{};
+    work.pose.position = {0.1f, -0.2f, 0.3f};
+    work.pose.euler = {0.4f, -0.5f, 0.6f};
+    qm_algo_set_workframe(&work);
+    const Coord lib = libalgo_get_work_cs_params();
+    EXPECT_FLOAT_EQ(lib.x, 0.1f);
+    EXPECT_FLOAT_EQ(lib.rz, 0.6f);
+    qm_frame_t back{};
+    qm_algo_get_curr_workframe(&back);
+    EXPECT_FLOAT_EQ(back.pose.position.y, -0.2f);
+    EXPECT_FLOAT_EQ(back.pose.euler.ry, -0.5f);
+    EXPECT_FLOAT_EQ(back.pose.quaternion.w, qm_algo_euler2quaternion(work.pose.euler).w);
+    qm_frame_t tool{};
+    tool.pose.position = {0, 0, 0.12f};
+    qm_algo_set_toolframe(&tool);
+    qm_algo_get_curr_toolframe(&back);
+    EXPECT_FLOAT_EQ(back.pose.position.z, 0.12f);
+}
 
-TEST_F(ConnectedArm, HandleLoadsTheArmsModelFramesLimitsAndTable) {
-    // Whatever the application configured offline is replaced by the arm's own data.
+TEST_F(BridgeConfig, DhTableReplacesTheOneInUseAndKeepsTheCalibrationErrors) {
+    const float err[ROBOT_DOF] = {0.001f};
+    const float zero[ROBOT_DOF] = {};
+    libalgo_set_dh_compensation_value(err, zero, zero, zero);
+    qm_dh_t dh = qm_algo_get_dh();
+    EXPECT_FLOAT_EQ(dh.d[0], 0.2405f);
+    dh.d[0] = 0.25f;
+    qm_algo_set_dh(dh);
+    EXPECT_FLOAT_EQ(qm_algo_get_dh().d[0], 0.25f);
+    DH lib;
+    libalgo_get_dh_value(&lib);
+    EXPECT_FLOAT_EQ(lib.d[0], 0.25f);
+    EXPECT_FLOAT_EQ(lib.err_d[0], 0.001f);
+}
+
+// The synchronisation stores a connected arm's configuration in the connection, and every
+// bridge call with its handle loads that configuration first, replacing the offline one.
+TEST_F(BridgeConfig, ConnectedHandleLoadsTheArmsModelFramesLimitsAndTable) {
+    qm_test::FakeController controller;
+    controller.answer_sync_queries();
+    // A 0.1 m tool along the flange's z, 90 degrees of installation yaw.
+    controller.reply("get_current_tool_frame",
+                     R"({"command":"current_tool_frame","tool_name":"Gripper","pose":[0,0,100000,0,0,0],)"
+                     R"("payload":0,"position":[0,0,0]})");
+    controller.reply("get_install_pose", R"({"command":"install_pose","pose":[0,0,90]})");
+    qm_init(QM_DUAL_MODE_E);
+    const std::unique_ptr<void, void (*)(void*)> library(&controller, [](void*) { qm_destory(); });
+    const std::unique_ptr<qm_robot_handle, int (*)(qm_robot_handle*)> arm(
+        qm_create_robot_arm("127.0.0.1", controller.port()), qm_delete_robot_arm);
+    ASSERT_NE(arm, nullptr);
+
     qm_algo_init_sys_data(QM_MODEL_QM_75_E, QM_MODEL_QM_SF_E);
-    const Joints zero{};
-    const qm_pose_t p = qm_algo_forward_kinematics(handle_, zero.data());
+    EXPECT_NEAR(qm_algo_forward_kinematics(arm.get(), Joints{}.data()).position.z, 0.8505f + 0.1f, 1e-4f);
     EXPECT_EQ(libalgo_get_robot_type(), QM65);
     EXPECT_EQ(libalgo_get_sensor_type(), _B);
-    EXPECT_NEAR(p.position.z, 0.8505f + 0.1f, 1e-4f);
-
     float x = 0, y = 0, z = 0;
     qm_algo_get_angle(&x, &y, &z);
     EXPECT_NEAR(z, 90.0f, 1e-3f);
-
     Joints limit{}, acc{}, speed{};
     qm_algo_get_joint_max_limit(limit.data());
     EXPECT_NEAR(limit[1], 130.0f, 1e-3f);
@@ -117,10 +174,7 @@ TEST_F(ConnectedArm, HandleLoadsTheArmsModelFramesLimitsAndTable) {
     EXPECT_NEAR(acc[0], 600.0f, 1e-3f);
     qm_algo_get_joint_max_speed(speed.data());
     EXPECT_NEAR(speed[0], 180.0f, 1e-3f);
-
-    const qm_dh_t dh = qm_algo_get_dh();
-    EXPECT_NEAR(dh.d[0], 0.2405f, 1e-6f);
-    EXPECT_NEAR(dh.alpha[1], 1.571f, 1e-6f);
+    EXPECT_NEAR(qm_algo_get_dh().alpha[1], 1.571f, 1e-6f);
 }
 
 }  // namespace

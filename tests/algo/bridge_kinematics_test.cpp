@@ -37,7 +37,7 @@ protected:
     const Joints q_{10, 20, 30, 40, 50, 60};
 };
 
-TEST_F(BridgeKinematics, SolvesBackToTheReferenceConfiguration) {
+TEST_F(BridgeKinematics, SolvesBackToTheReferenceAndListsAllBranchesInDegrees) {
     const qm_pose_t target = qm_algo_forward_kinematics(nullptr, q_.data());
     for (uint8_t flag : {0, 1}) {
         Joints out{};
@@ -45,6 +45,16 @@ TEST_F(BridgeKinematics, SolvesBackToTheReferenceConfiguration) {
         for (int i = 0; i < 6; ++i)
             EXPECT_NEAR(out[i], q_[i], 1e-2f) << "flag " << int(flag) << " joint " << i;
     }
+    const qm_inverse_kinematics_all_solve_t all =
+        qm_algo_inverse_kinematics_all(nullptr, request(q_, target, 0));
+    ASSERT_GE(all.num, 1);
+    EXPECT_EQ(all.result, 1);
+    EXPECT_NEAR(all.q_ref[2], 30.0f, 1e-4f);
+    const float weights[ROBOT_DOF] = {1, 1, 1, 1, 1, 1, 1, 1};
+    const int best = qm_algo_ikine_select_ik_solve(weights, all);
+    ASSERT_GE(best, 0);
+    for (int i = 0; i < 6; ++i) EXPECT_NEAR(all.q_solve[best][i], q_[i], 1e-2f) << "joint " << i;
+    EXPECT_EQ(qm_algo_ikine_select_ik_solve(weights, qm_inverse_kinematics_all_solve_t{}), -1);
 }
 
 TEST_F(BridgeKinematics, QuaternionOutsideTheNormBandIsRefusedBeforeSolving) {
@@ -103,20 +113,6 @@ TEST_F(BridgeKinematics, DefaultTraversalResetsTheSevenJointSearchBeforeEachSolv
     EXPECT_EQ(ikine_get_7dof_solver_search_strategy(), 0);
 }
 
-TEST_F(BridgeKinematics, AllBranchesComeInDegreesAndSelectionFindsTheReferenceOrNothingInAnEmptySet) {
-    const qm_pose_t target = qm_algo_forward_kinematics(nullptr, q_.data());
-    const qm_inverse_kinematics_all_solve_t all =
-        qm_algo_inverse_kinematics_all(nullptr, request(q_, target, 0));
-    ASSERT_GE(all.num, 1);
-    EXPECT_EQ(all.result, 1);
-    EXPECT_NEAR(all.q_ref[2], 30.0f, 1e-4f);
-    const float weights[ROBOT_DOF] = {1, 1, 1, 1, 1, 1, 1, 1};
-    const int best = qm_algo_ikine_select_ik_solve(weights, all);
-    ASSERT_GE(best, 0);
-    for (int i = 0; i < 6; ++i) EXPECT_NEAR(all.q_solve[best][i], q_[i], 1e-2f) << "joint " << i;
-    EXPECT_EQ(qm_algo_ikine_select_ik_solve(weights, qm_inverse_kinematics_all_solve_t{}), -1);
-}
-
 TEST_F(BridgeKinematics, SevenJointArmAngleRoundTrip) {
     qm_algo_init_sys_data(QM_MODEL_QM_75_E, QM_MODEL_QM_B_E);
     const Joints q = {10, 20, 30, 40, 50, 60, 70};
@@ -143,27 +139,18 @@ TEST_F(BridgeKinematics, LimitChecksUseTheModelsLimitsInDegrees) {
 }
 
 TEST_F(BridgeKinematics, ConversionsAndFrameChanges) {
-    const qm_quat_t q = qm_algo_euler2quaternion({0, 0, static_cast<float>(M_PI / 2)});
-    EXPECT_NEAR(q.z, std::sqrt(0.5f), 1e-6f);
-    EXPECT_NEAR(qm_algo_quaternion2euler(q).rz, M_PI / 2, 1e-6f);
-    const qm_matrix_t r = qm_algo_euler2matrix({0, 0, static_cast<float>(M_PI / 2)});
-    EXPECT_EQ(r.irow, 3);
-    EXPECT_NEAR(r.data[1][0], 1.0f, 1e-6f);
-    qm_pose_t p{};
-    p.position = {0.1f, 0.2f, 0.3f};
-    p.euler = {0.3f, -0.2f, 0.1f};
-    const qm_matrix_t t = qm_algo_pos2matrix(p);
-    EXPECT_EQ(t.irow, 4);
-    EXPECT_FLOAT_EQ(t.data[2][3], 0.3f);
-    const qm_pose_t back = qm_algo_matrix2pos(t);
+    const float quarter = static_cast<float>(M_PI / 2);
+    EXPECT_NEAR(qm_algo_quaternion2euler(qm_algo_euler2quaternion({0, 0, quarter})).rz, quarter, 1e-6f);
+    EXPECT_EQ(qm_algo_euler2matrix({0, 0, quarter}).irow, 3);
+    const qm_pose_t back =
+        qm_algo_matrix2pos(qm_algo_pos2matrix(qm_pose_t{{0.1f, 0.2f, 0.3f}, {}, {0.3f, -0.2f, 0.1f}}));
     EXPECT_NEAR(back.euler.ry, -0.2f, 1e-6f);
     EXPECT_NEAR(back.position.y, 0.2f, 1e-6f);
-
     // A work frame at x = 1 turned a quarter about z: base (1, 1) is work (1, 0).
-    const qm_matrix_t m = qm_algo_pos2matrix(qm_pose_t{{1, 0, 0}, {}, {0, 0, static_cast<float>(M_PI / 2)}});
+    const qm_matrix_t m = qm_algo_pos2matrix(qm_pose_t{{1, 0, 0}, {}, {0, 0, quarter}});
     const qm_pose_t in_work = qm_algo_base2workframe(m, qm_pose_t{{1, 1, 0}, {}, {}});
     EXPECT_TRUE(std::fabs(in_work.position.x - 1.0f) < 1e-6f && std::fabs(in_work.position.y) < 1e-6f);
-    EXPECT_NEAR(in_work.euler.rz, -M_PI / 2, 1e-6f);
+    EXPECT_NEAR(in_work.euler.rz, -quarter, 1e-6f);
     const qm_pose_t again = qm_algo_workframe2base(m, in_work);
     EXPECT_TRUE(std::fabs(again.position.y - 1.0f) < 1e-6f && std::fabs(again.euler.rz) < 1e-6f);
 }

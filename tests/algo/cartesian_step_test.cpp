@@ -14,12 +14,8 @@ using Joints = std::array<float, ARM_DOF>;
 
 constexpr float kTol = 1e-5f;
 
-qm_matrix_t rotation_of(const qm_euler_t& e) {
-    return qm_algo_euler2matrix(e);
-}
-
 void expect_rotation(const qm_euler_t& got, const qm_matrix_t& expected) {
-    const qm_matrix_t r = rotation_of(got);
+    const qm_matrix_t r = qm_algo_euler2matrix(got);
     for (int i = 0; i < 3; ++i)
         for (int j = 0; j < 3; ++j) EXPECT_NEAR(r.data[i][j], expected.data[i][j], kTol) << i << "," << j;
 }
@@ -37,7 +33,7 @@ void expect_pose(const qm_pose_t& got, const qm_pose_t& expected) {
     EXPECT_NEAR(got.position.x, expected.position.x, kTol);
     EXPECT_NEAR(got.position.y, expected.position.y, kTol);
     EXPECT_NEAR(got.position.z, expected.position.z, kTol);
-    expect_rotation(got.euler, rotation_of(expected.euler));
+    expect_rotation(got.euler, qm_algo_euler2matrix(expected.euler));
     const qm_quat_t q = qm_algo_euler2quaternion(got.euler);
     EXPECT_NEAR(std::fabs(q.w * got.quaternion.w + q.x * got.quaternion.x + q.y * got.quaternion.y +
                           q.z * got.quaternion.z),
@@ -81,7 +77,7 @@ TEST_F(CartesianStep, RotationTurnsAboutTheChosenFramesAxisInPlace) {
     expect_pose(qm_algo_rotate_move(nullptr, q_.data(), 3, 0.0f, pose(0, 0, 0, 0.3f, 0.2f, 0.1f)), now);
     for (int axis : {0, 4, -1})  // no such axis: the orientation stays
         expect_rotation(qm_algo_rotate_move(nullptr, q_.data(), axis, 30.0f, pose(0, 0, 0, 0, 0, 0)).euler,
-                        rotation_of(now.euler));
+                        qm_algo_euler2matrix(now.euler));
     // R' = Rz(90) * R about the base's z.
     const qm_pose_t turned = qm_algo_rotate_move(nullptr, q_.data(), 3, 90.0f, pose(0, 0, 0, 0, 0, 0));
     qm_pose_t expected = now;
@@ -89,9 +85,9 @@ TEST_F(CartesianStep, RotationTurnsAboutTheChosenFramesAxisInPlace) {
     expect_pose(turned, expected);
     // This frame's X is the base's Z (frame turned -90 degrees about Y).
     const qm_pose_t frame = pose(0.5f, 0.5f, 0.5f, 0, static_cast<float>(-M_PI / 2), 0);
-    expect_rotation(
-        qm_algo_rotate_move(nullptr, q_.data(), 1, 25.0f, frame).euler,
-        rotation_of(qm_algo_rotate_move(nullptr, q_.data(), 3, 25.0f, pose(0, 0, 0, 0, 0, 0)).euler));
+    expect_rotation(qm_algo_rotate_move(nullptr, q_.data(), 1, 25.0f, frame).euler,
+                    qm_algo_euler2matrix(
+                        qm_algo_rotate_move(nullptr, q_.data(), 3, 25.0f, pose(0, 0, 0, 0, 0, 0)).euler));
 }
 
 TEST_F(CartesianStep, PoseStepTranslatesInTheWorkOrToolFrame) {
@@ -111,11 +107,11 @@ TEST_F(CartesianStep, PoseStepTranslatesInTheWorkOrToolFrame) {
 TEST_F(CartesianStep, RotationStepPreMultipliesInTheWorkFrameAndPostMultipliesInTheTool) {
     const qm_pose_t start = pose(0, 0, 0, 0.4f, -0.3f, 1.2f);
     const float delta[6] = {0, 0, 0, 0.1f, 0.2f, 0.3f};
-    const qm_matrix_t step = rotation_of({0.1f, 0.2f, 0.3f});
+    const qm_matrix_t step = qm_algo_euler2matrix({0.1f, 0.2f, 0.3f});
     expect_rotation(qm_algo_pose_move(nullptr, start, delta, 0).euler,
-                    product(step, rotation_of(start.euler)));
+                    product(step, qm_algo_euler2matrix(start.euler)));
     expect_rotation(qm_algo_pose_move(nullptr, start, delta, 1).euler,
-                    product(rotation_of(start.euler), step));
+                    product(qm_algo_euler2matrix(start.euler), step));
 }
 
 }  // namespace

@@ -5,7 +5,6 @@
 #include <array>
 #include <cmath>
 #include <cstring>
-#include <vector>
 
 #include "algo_api.h"
 #include "qm_interface.h"
@@ -36,14 +35,12 @@ protected:
     }
 };
 
-struct SegmentCase {
-    const char* what;
-    VEC3 a0, a1, b0, b1;
-    float distance;
-};
-
 TEST(CapsuleGeometry, SegmentDistancesMatchHandComputedValues) {
-    const std::vector<SegmentCase> cases = {
+    const struct {
+        const char* what;
+        VEC3 a0, a1, b0, b1;
+        float distance;
+    } cases[] = {
         {"crossing skew segments", {-1, 0, 0}, {1, 0, 0}, {0, -1, 0.5f}, {0, 1, 0.5f}, 0.5f},
         {"parallel and overlapping", {0, 0, 0}, {2, 0, 0}, {1, 0.3f, 0}, {3, 0.3f, 0}, 0.3f},
         {"parallel, end to end", {0, 0, 0}, {1, 0, 0}, {3, 0, 0}, {4, 0, 0}, 2.0f},
@@ -52,7 +49,7 @@ TEST(CapsuleGeometry, SegmentDistancesMatchHandComputedValues) {
         {"point against a segment", {0, 0, 1}, {0, 0, 1}, {-1, 0, 0}, {1, 0, 0}, 1.0f},
         {"touching at a shared end", {0, 0, 0}, {1, 0, 0}, {1, 0, 0}, {1, 1, 0}, 0.0f},
     };
-    for (const SegmentCase& c : cases) {
+    for (const auto& c : cases) {
         EXPECT_NEAR(distance_ls2ls(c.a0, c.a1, c.b0, c.b1), c.distance, 1e-6f) << c.what;
         EXPECT_NEAR(distance_ls2ls(c.b0, c.b1, c.a0, c.a1), c.distance, 1e-6f) << c.what << " (swapped)";
     }
@@ -88,21 +85,18 @@ TEST_F(SelfCollision, ChainEndsAtTheFlangeOfEveryModel) {
     }
 }
 
-struct PoseCase {
-    qm_robot_arm_model_e model;
-    Joints stretched;
-    Joints folded;
-};
-
 TEST_F(SelfCollision, StretchedArmsAreClearAndFoldedArmsCollide) {
-    const std::vector<PoseCase> cases = {
+    const struct {
+        qm_robot_arm_model_e model;
+        Joints stretched, folded;
+    } cases[] = {
         {QM_MODEL_QM_65_E, {0, 0, 0, 0, 0, 0}, {0, 0, 135, 0, 90, 0}},        // wrist back onto the upper arm
         {QM_MODEL_QM_75_E, {0, 0, 0, 0, 0, 0, 0}, {0, 0, 0, 135, 0, 90, 0}},  // the same on seven joints
         {QM_MODEL_QM_63_II_E, {0, 0, 0, 0, 0, 0}, {0, 120, 135, 0, 0, 0}},    // forearm into the base
         {QM_MODEL_LUX_65_E, {0, -90, 0, -90, 0, 0}, {0, -90, 160, 0, 0, 0}},  // elbow closed
         {QM_MODEL_TAV_72_E, {0, 0, 0, 0, 0, 0, 0}, {0, 0, 0, -150, 0, -90, 0}},
     };
-    for (const PoseCase& c : cases) {
+    for (const auto& c : cases) {
         qm_algo_init_sys_data(c.model, QM_MODEL_QM_B_E);
         EXPECT_EQ(qm_algo_safety_robot_self_collision_detection(c.stretched.data()), 0)
             << "model " << c.model;
@@ -130,11 +124,8 @@ TEST_F(SelfCollision, JointBeyondItsLimitCountsAsCollisionEvenWhenClear) {
 }
 
 TEST_F(SelfCollision, TypesWithoutACapsuleModelNeverCollide) {
-    const DH qm65 = [] {
-        DH dh;
-        libalgo_get_dh_value(&dh);
-        return dh;
-    }();
+    DH qm65;
+    libalgo_get_dh_value(&qm65);
     for (int type : {UNIVERSAL, QML63III}) {
         ASSERT_EQ(libalgo_set_robot_and_sensor_type(type, _B), 0);
         libalgo_set_dh_params(&qm65);
@@ -144,8 +135,8 @@ TEST_F(SelfCollision, TypesWithoutACapsuleModelNeverCollide) {
     }
 }
 
-TEST_F(SelfCollision, EnvelopeSpheresReadBackAndUnusedIndicesAreIgnored) {
-    const qm_tool_sphere_t sphere = {0.05f, {0.01f, -0.02f, 0.1f}};
+TEST_F(SelfCollision, EnvelopeSpheresReadBackAndOnlyThoseWithARadiusEnterTheModelInIndexOrder) {
+    const qm_tool_sphere_t sphere = {-0.01f, {0.01f, -0.02f, 0.3f}};
     qm_algo_set_tool_envelope(4, sphere);
     const qm_tool_sphere_t back = qm_algo_get_tool_envelope(4);
     EXPECT_EQ(std::memcmp(&back, &sphere, sizeof back), 0);
@@ -153,12 +144,8 @@ TEST_F(SelfCollision, EnvelopeSpheresReadBackAndUnusedIndicesAreIgnored) {
     qm_algo_set_tool_envelope(-1, sphere);
     EXPECT_FLOAT_EQ(qm_algo_get_tool_envelope(5).radius, 0.0f);
     EXPECT_FLOAT_EQ(qm_algo_get_tool_envelope(-1).radius, 0.0f);
-}
-
-TEST_F(SelfCollision, OnlySpheresWithARadiusEnterTheModelInIndexOrder) {
     qm_algo_set_tool_envelope(1, {0.02f, {0, 0, 0.1f}});
     qm_algo_set_tool_envelope(3, {5e-7f, {0, 0, 0.2f}});
-    qm_algo_set_tool_envelope(4, {-0.01f, {0, 0, 0.3f}});
     ASSERT_EQ(update_ToolSpheresModel(), 2);
     const ToolSpherePara* spheres = nullptr;
     ASSERT_EQ(get_ToolSpheresModel(&spheres), 2);

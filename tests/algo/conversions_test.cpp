@@ -38,42 +38,30 @@ TEST(EulerRoundTrip, MatrixAndQuaternionAndBackAwayFromTheSingularity) {
     }
 }
 
-struct SingularCase {
-    Euler in;
-    Euler out;  // yaw is folded into roll
-};
-
-class EulerSingularity : public testing::TestWithParam<SingularCase> {};
-
-TEST_P(EulerSingularity, PitchOfNinetyComesBackWithZeroYaw) {
-    const Euler back = matrix_to_euler(euler_to_matrix(GetParam().in));
-    EXPECT_NEAR(back.rx, GetParam().out.rx, 1e-5f);
-    EXPECT_NEAR(back.ry, GetParam().out.ry, 1e-6f);
-    EXPECT_EQ(back.rz, 0.0f);
+TEST(EulerSingularity, PitchOfNinetyComesBackWithTheYawFoldedIntoRoll) {
+    const Euler cases[][2] = {{{0.0f, kPi / 2, 0.0f}, {0.0f, kPi / 2, 0.0f}},
+                              {{0.3f, kPi / 2, 0.2f}, {0.1f, kPi / 2, 0.0f}},
+                              {{0.3f, -kPi / 2, 0.2f}, {0.5f, -kPi / 2, 0.0f}}};
+    for (const auto& [in, out] : cases) {
+        const Euler back = matrix_to_euler(euler_to_matrix(in));
+        EXPECT_NEAR(back.rx, out.rx, 1e-5f) << in.rx << " " << in.ry;
+        EXPECT_NEAR(back.ry, out.ry, 1e-6f) << in.rx << " " << in.ry;
+        EXPECT_EQ(back.rz, 0.0f) << in.rx << " " << in.ry;
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(Branches, EulerSingularity,
-                         testing::Values(SingularCase{{0.0f, kPi / 2, 0.0f}, {0.0f, kPi / 2, 0.0f}},
-                                         SingularCase{{0.3f, kPi / 2, 0.2f}, {0.1f, kPi / 2, 0.0f}},
-                                         SingularCase{{0.3f, -kPi / 2, 0.2f}, {0.5f, -kPi / 2, 0.0f}}));
-
-struct WrapCase {
-    float in;
-    float out;
-};
-
-class EulerWrap : public testing::TestWithParam<WrapCase> {};
-
-TEST_P(EulerWrap, AnglesBelowMinus313AreLiftedByTwoPi) {
-    const Euler back = matrix_to_euler(euler_to_matrix(Euler{GetParam().in, 0.0f, GetParam().in}));
-    EXPECT_NEAR(back.rx, GetParam().out, 1e-5f);
-    EXPECT_NEAR(back.rz, GetParam().out, 1e-5f);
+TEST(EulerWrap, AnglesBelowMinus313AreLiftedByTwoPi) {
+    const float cases[][2] = {{-3.14f, -3.14f + 2 * kPi},
+                              {-3.135f, -3.135f + 2 * kPi},
+                              {-3.12f, -3.12f},
+                              {-kPi, kPi},
+                              {3.0f, 3.0f}};
+    for (const auto& [in, out] : cases) {
+        const Euler back = matrix_to_euler(euler_to_matrix(Euler{in, 0.0f, in}));
+        EXPECT_NEAR(back.rx, out, 1e-5f) << in;
+        EXPECT_NEAR(back.rz, out, 1e-5f) << in;
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(Thresholds, EulerWrap,
-                         testing::Values(WrapCase{-3.14f, -3.14f + 2 * kPi},
-                                         WrapCase{-3.135f, -3.135f + 2 * kPi}, WrapCase{-3.12f, -3.12f},
-                                         WrapCase{-kPi, kPi}, WrapCase{3.0f, 3.0f}));
 
 TEST(QuaternionToMatrix, ZeroGivesIdentityAndNonUnitIsNormalised) {
     expect_rotation_near(quat_to_matrix(Quat{0, 0, 0, 0}), unit_matrix(3), 0.0f);
@@ -82,7 +70,7 @@ TEST(QuaternionToMatrix, ZeroGivesIdentityAndNonUnitIsNormalised) {
                          quat_to_matrix(Quat{0.8f, 0.2f, -0.4f, 0.3f}), 1e-6f);
 }
 
-TEST(MatrixToQuaternion, HalfTurnsTakeTheirAxissBranch) {
+TEST(MatrixToQuaternion, HalfTurnsTakeTheirAxissBranchAndWIsNotMadePositive) {
     const Quat qx = matrix_to_quat(rotx(kPi));  // branch 2
     EXPECT_NEAR(qx.w, 0.0f, 1e-6f);
     EXPECT_FLOAT_EQ(qx.x, 1.0f);
@@ -90,9 +78,6 @@ TEST(MatrixToQuaternion, HalfTurnsTakeTheirAxissBranch) {
     EXPECT_NEAR(qx.z, 0.0f, 1e-6f);
     EXPECT_FLOAT_EQ(matrix_to_quat(roty(kPi)).y, 1.0f);
     EXPECT_FLOAT_EQ(matrix_to_quat(rotz(kPi)).z, 1.0f);
-}
-
-TEST(MatrixToQuaternion, WIsNotMadePositive) {
     // A turn just past pi about x with a small y part lands in branch 2 with w < 0.
     const Matrix r = matrix_m(rotx(3.3f), roty(0.2f));
     const Quat q = matrix_to_quat(r);

@@ -31,7 +31,7 @@ protected:
     const float q_[ROBOT_DOF] = {0.4f, -0.3f, 0.8f, 0.5f, 0.9f, -1.1f};
 };
 
-TEST_F(QM65Loaded, SelectionPicksTheSmallestWeightedDistanceFirstOnTies) {
+TEST_F(QM65Loaded, SelectionPicksTheSmallestWeightedDistanceFirstOnTiesAndNothingOutsideALimit) {
     IkSolve empty{};
     EXPECT_EQ(ikine_select_ik_solve(kOnes, &empty), -1);
     const IkSolve tie = two_solutions(0.2f, -0.2f);
@@ -41,10 +41,8 @@ TEST_F(QM65Loaded, SelectionPicksTheSmallestWeightedDistanceFirstOnTies) {
     EXPECT_EQ(ikine_select_ik_solve(kOnes, &s), 1);
     const float heavy_joint2[ROBOT_DOF] = {1, 10, 1, 1, 1, 1, 1, 1};
     EXPECT_EQ(ikine_select_ik_solve(heavy_joint2, &s), 0);
-}
-
-TEST_F(QM65Loaded, SelectionNeverChoosesASolutionJustOutsideALimit) {
-    IkSolve s = two_solutions(hi_[0] + 0.01f, 0.0f);
+    // Never a solution just outside a limit.
+    s = two_solutions(hi_[0] + 0.01f, 0.0f);
     s.q_ref[0] = hi_[0] + 0.01f;  // the outside solution is exactly the reference
     EXPECT_EQ(ikine_select_ik_solve(kOnes, &s), 1);
     s.q_solve[1][0] = hi_[0] + 0.02f;

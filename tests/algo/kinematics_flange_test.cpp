@@ -52,8 +52,7 @@ protected:
 TEST_P(Flange, EqualsProductOfLinkTransformsForRandomJointsAndIsTheDispatchedRoutine) {
     for (const auto& q : reference::random_joints_within_limits(1000, 7)) {
         const Matrix m = GetParam().routine(&dh_, q.data());
-        const auto ref = GetParam().type == QM75 ? reference::standard_chain(dh_, q.data(), dof_)
-                                                 : reference::modified_chain(dh_, q.data(), dof_);
+        const auto ref = reference::dh_chain(dh_, q.data(), dof_, GetParam().type == QM75);
         ASSERT_LT(reference::max_difference(m, ref), 1e-5)
             << "q = " << q[0] << " " << q[1] << " " << q[2] << " " << q[3] << " " << q[4] << " " << q[5]
             << " " << q[6];
@@ -63,10 +62,9 @@ TEST_P(Flange, EqualsProductOfLinkTransformsForRandomJointsAndIsTheDispatchedRou
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(EveryModel, Flange, testing::ValuesIn(kModels),
-                         [](const testing::TestParamInfo<ModelCase>& info) {
-                             return std::string(info.param.name);
-                         });
+const auto kName = [](const testing::TestParamInfo<ModelCase>& info) { return std::string(info.param.name); };
+
+INSTANTIATE_TEST_SUITE_P(EveryModel, Flange, testing::ValuesIn(kModels), kName);
 
 class AgainstKdl : public Flange {};
 
@@ -87,10 +85,7 @@ TEST_P(AgainstKdl, FlangeMatchesTheKdlChainForRandomJoints) {
 }
 
 INSTANTIATE_TEST_SUITE_P(QM65AndQM75, AgainstKdl,
-                         testing::Values(kModels[0], kModels[1], kModels[2], kModels[3]),
-                         [](const testing::TestParamInfo<ModelCase>& info) {
-                             return std::string(info.param.name);
-                         });
+                         testing::Values(kModels[0], kModels[1], kModels[2], kModels[3]), kName);
 
 TEST(ZeroJoints, QM65AndQM75StandStraightUp) {
     // QM65's flange is turned half a turn about z, QM75's is not.

@@ -48,22 +48,22 @@ inline double exact_twist(float alpha) {
     return std::fabs(alpha - quarter * M_PI / 2) < 1e-5 ? quarter * M_PI / 2 : alpha;
 }
 
-// Rx(alpha)*Tx(a)*Rz(theta)*Tz(d) per link.
-inline Mat4 modified_chain(const DH& dh, const float* q, int dof) {
+// Per link: Rx(alpha)*Tx(a)*Rz(theta)*Tz(d) in the modified convention,
+// Rz(theta)*Tz(d)*Tx(a)*Rx(alpha) in the standard one.
+inline Mat4 dh_chain(const DH& dh, const float* q, int dof, bool standard) {
     Mat4 t = identity();
-    for (int i = 0; i < dof; ++i)
-        t = t * rot_x(exact_twist(dh.alpha[i])) * trans(dh.a[i], 0, 0) * rot_z(double(q[i]) + dh.offset[i]) *
-            trans(0, 0, dh.d[i]);
+    for (int i = 0; i < dof; ++i) {
+        const Mat4 twist = rot_x(exact_twist(dh.alpha[i])), length = trans(dh.a[i], 0, 0);
+        const Mat4 turn = rot_z(double(q[i]) + dh.offset[i]), depth = trans(0, 0, dh.d[i]);
+        t = standard ? t * turn * depth * length * twist : t * twist * length * turn * depth;
+    }
     return t;
 }
-
-// Rz(theta)*Tz(d)*Tx(a)*Rx(alpha) per link.
+inline Mat4 modified_chain(const DH& dh, const float* q, int dof) {
+    return dh_chain(dh, q, dof, false);
+}
 inline Mat4 standard_chain(const DH& dh, const float* q, int dof) {
-    Mat4 t = identity();
-    for (int i = 0; i < dof; ++i)
-        t = t * rot_z(double(q[i]) + dh.offset[i]) * trans(0, 0, dh.d[i]) * trans(dh.a[i], 0, 0) *
-            rot_x(exact_twist(dh.alpha[i]));
-    return t;
+    return dh_chain(dh, q, dof, true);
 }
 
 inline double max_difference(const Matrix& m, const Mat4& r) {

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstring>
 #include <utility>
+#include <vector>
 
 #include "libalgo_interface.h"
 #include "qman_mathfuncs.h"
@@ -18,40 +19,32 @@ void expect_identity(const Matrix& m) {
         for (int j = 0; j < 4; ++j) EXPECT_EQ(m.data[i][j], i == j ? 1.0f : 0.0f) << i << "," << j;
 }
 
-struct Refusal {
-    int robot_type;
-    int sensor_type;
-};
-
-class RefusedModel : public testing::TestWithParam<Refusal> {};
-
-TEST_P(RefusedModel, ReturnsMinusOneAndLeavesAClearedRecord) {
-    ASSERT_EQ(libalgo_set_robot_and_sensor_type(QM75, _SF), 0);
-    libalgo_set_tool_cs_params(Coord{0.1f, 0, 0, 0, 0, 0});
-    EXPECT_EQ(libalgo_set_robot_and_sensor_type(GetParam().robot_type, GetParam().sensor_type), -1);
-    EXPECT_EQ(libalgo_get_rbt_dof(), 0);
-    EXPECT_EQ(libalgo_get_robot_type(), GetParam().robot_type);
-    EXPECT_EQ(libalgo_get_sensor_type(), GetParam().sensor_type);
-    DH dh;
-    libalgo_get_dh_value(&dh);
-    const DH zero{};
-    EXPECT_EQ(std::memcmp(&dh, &zero, sizeof dh), 0);
-    float max[ROBOT_DOF], link[LINK_DYNAMICS_NUM];
-    libalgo_get_jointlim_max(max);
-    for (const float v : max) EXPECT_EQ(v, 0.0f);
-    libalgo_get_link_dynamics_params(link);
-    for (const float v : link) EXPECT_EQ(v, 0.0f);
-    expect_identity(libalgo_get_tool_cs_matrix());
-    EXPECT_FLOAT_EQ(libalgo_get_control_loop_period(), 0.002f);
+TEST(ModelTable, RefusedPairsReturnMinusOneAndLeaveAClearedRecord) {
+    const int refused[][2] = {{TAV72, _ZF}, {TAV72, ISF}, {LUX62, _SF}, {QML63I, _B}, {QML63I, _SF},
+                              {12, _B},     {-1, _B},     {QM65, 4},    {QM65, -1},   {UNIVERSAL, 7}};
+    for (const auto& [robot_type, sensor_type] : refused) {
+        SCOPED_TRACE(testing::Message() << robot_type << "/" << sensor_type);
+        ASSERT_EQ(libalgo_set_robot_and_sensor_type(QM75, _SF), 0);
+        libalgo_set_tool_cs_params(Coord{0.1f, 0, 0, 0, 0, 0});
+        EXPECT_EQ(libalgo_set_robot_and_sensor_type(robot_type, sensor_type), -1);
+        EXPECT_EQ(libalgo_get_rbt_dof(), 0);
+        EXPECT_EQ(libalgo_get_robot_type(), robot_type);
+        EXPECT_EQ(libalgo_get_sensor_type(), sensor_type);
+        DH dh;
+        libalgo_get_dh_value(&dh);
+        const DH zero{};
+        EXPECT_EQ(std::memcmp(&dh, &zero, sizeof dh), 0);
+        float max[ROBOT_DOF], link[LINK_DYNAMICS_NUM];
+        libalgo_get_jointlim_max(max);
+        for (const float v : max) EXPECT_EQ(v, 0.0f);
+        libalgo_get_link_dynamics_params(link);
+        for (const float v : link) EXPECT_EQ(v, 0.0f);
+        expect_identity(libalgo_get_tool_cs_matrix());
+        EXPECT_FLOAT_EQ(libalgo_get_control_loop_period(), 0.002f);
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, RefusedModel,
-                         testing::Values(Refusal{TAV72, _ZF}, Refusal{TAV72, ISF}, Refusal{LUX62, _SF},
-                                         Refusal{QML63I, _B}, Refusal{QML63I, _SF}, Refusal{12, _B},
-                                         Refusal{-1, _B}, Refusal{QM65, 4}, Refusal{QM65, -1},
-                                         Refusal{UNIVERSAL, 7}));
-
-TEST(ModelDefaults, InitLoadsQM65WithoutSensorAndTheCartesianDefaultsAndModelsTurnTheirOwnWay) {
+TEST(ModelTable, InitLoadsQM65WithoutSensorAndTheCartesianDefaultsAndModelsTurnTheirOwnWay) {
     libalgo_init();
     EXPECT_EQ(libalgo_get_robot_type(), QM65);
     EXPECT_EQ(libalgo_get_sensor_type(), _B);
@@ -59,7 +52,6 @@ TEST(ModelDefaults, InitLoadsQM65WithoutSensorAndTheCartesianDefaultsAndModelsTu
     DH dh, def;
     libalgo_get_dh_value(&dh);
     libalgo_get_dh_params_default(&def);
-    EXPECT_EQ(dh.d[5], 0.144f);
     EXPECT_EQ(std::memcmp(&dh, &def, sizeof dh), 0);
     EXPECT_EQ(libalgo_check_dh_params_is_default(), 1);
     TcpConfig tcp;
@@ -74,67 +66,49 @@ TEST(ModelDefaults, InitLoadsQM65WithoutSensorAndTheCartesianDefaultsAndModelsTu
     EXPECT_TRUE(dir[0] == 1.0f && dir[1] == -1.0f);
 }
 
-TEST(ModelDefaults, FlangeSensorsLengthenTheLastLink) {
+// The last link's length with each flange sensor, and the published limits in degrees where a
+// row gives them (minima are the negated maxima unless listed); every acceleration limit is 1000.
+TEST(ModelTable, SensorsLengthenTheLastLinkAndLimitsAreStoredInRadians) {
     const struct {
-        int robot_type, sensor_type;
+        int robot_type, sensor_type, dof;
         float last_d;
-    } cases[] = {{QM65, _ZF, 0.152f},  {QM65, _SF, 0.1725f},   {QM65, ISF, 0.1612f}, {QM75, _B, 0.144f},
-                 {QM75, _SF, 0.1725f}, {QML63IV, _SF, 0.144f}, {TAV72, _B, 0.097f}};
-    for (const auto& c : cases) {
-        ASSERT_EQ(libalgo_set_robot_and_sensor_type(c.robot_type, c.sensor_type), 0);
+        std::vector<float> max_deg, vel_deg, min_deg;
+    } rows[] = {
+        // clang-format off
+        {QM65, _B, 6, 0.144f, {178, 130, 135, 178, 128, 360}, {180, 180, 225, 225, 225, 225}, {}},
+        {QM65, _ZF, 6, 0.152f, {}, {}, {}},
+        {QM65, _SF, 6, 0.1725f, {}, {}, {}},
+        {QM65, ISF, 6, 0.1612f, {}, {}, {}},
+        {QM75, _B, 7, 0.144f, {178, 130, 178, 135, 178, 128, 360}, {180, 180, 225, 225, 225, 225, 225}, {}},
+        {QM75, _SF, 7, 0.1725f, {}, {}, {}},
+        {QML63IV, _SF, 6, 0.144f, {}, {}, {}},
+        {TAV72, _B, 7, 0.097f, {172, 105, 172, 55, 172, 120, 172}, {180, 180, 180, 180, 225, 225, 225},
+         {-172, -105, -172, -170, -172, -90, -172}},
+        {UNIVERSAL, _B, 7, 0.0f, std::vector<float>(7, 360), std::vector<float>(7, 300), {}},
+        // clang-format on
+    };
+    for (const auto& r : rows) {
+        SCOPED_TRACE(testing::Message() << r.robot_type << "/" << r.sensor_type);
+        ASSERT_EQ(libalgo_set_robot_and_sensor_type(r.robot_type, r.sensor_type), 0);
+        ASSERT_EQ(libalgo_get_rbt_dof(), r.dof);
         DH dh;
         libalgo_get_dh_value(&dh);
-        EXPECT_EQ(dh.d[libalgo_get_rbt_dof() - 1], c.last_d) << c.robot_type << "/" << c.sensor_type;
+        EXPECT_EQ(dh.d[r.dof - 1], r.last_d);
+        if (r.max_deg.empty()) continue;
+        float max[ROBOT_DOF], min[ROBOT_DOF], vel[ROBOT_DOF], acc[ROBOT_DOF];
+        libalgo_get_jointlim_max(max);
+        libalgo_get_jointlim_min(min);
+        libalgo_get_joint_vel_maxlim(vel);
+        libalgo_get_joint_acc_maxlim(acc);
+        for (int j = 0; j < r.dof; ++j) {
+            EXPECT_NEAR(max[j], r.max_deg[j] * kDeg, 1e-6f) << j;
+            EXPECT_NEAR(min[j], (r.min_deg.empty() ? -r.max_deg[j] : r.min_deg[j]) * kDeg, 1e-6f) << j;
+            EXPECT_NEAR(vel[j], r.vel_deg[j] * kDeg, 1e-6f) << j;
+            EXPECT_NEAR(acc[j], 1000 * kDeg, 1e-5f) << j;
+        }
+        for (int j = r.dof; j < ROBOT_DOF; ++j) EXPECT_EQ(max[j], 0.0f);
     }
 }
-
-struct LimitCase {
-    int robot_type;
-    int dof;
-    float max_deg[7], min_deg[7], vel_deg[7];
-};
-
-class PublishedLimits : public testing::TestWithParam<LimitCase> {};
-
-TEST_P(PublishedLimits, AreStoredInRadians) {
-    const LimitCase& c = GetParam();
-    ASSERT_EQ(libalgo_set_robot_and_sensor_type(c.robot_type, _B), 0);
-    ASSERT_EQ(libalgo_get_rbt_dof(), c.dof);
-    float max[ROBOT_DOF], min[ROBOT_DOF], vel[ROBOT_DOF], acc[ROBOT_DOF];
-    libalgo_get_jointlim_max(max);
-    libalgo_get_jointlim_min(min);
-    libalgo_get_joint_vel_maxlim(vel);
-    libalgo_get_joint_acc_maxlim(acc);
-    for (int j = 0; j < c.dof; ++j) {
-        EXPECT_NEAR(max[j], c.max_deg[j] * kDeg, 1e-6f) << j;
-        EXPECT_NEAR(min[j], c.min_deg[j] * kDeg, 1e-6f) << j;
-        EXPECT_NEAR(vel[j], c.vel_deg[j] * kDeg, 1e-6f) << j;
-        EXPECT_NEAR(acc[j], 1000 * kDeg, 1e-5f) << j;
-    }
-    for (int j = c.dof; j < ROBOT_DOF; ++j) EXPECT_EQ(max[j], 0.0f);
-}
-
-INSTANTIATE_TEST_SUITE_P(Models, PublishedLimits,
-                         testing::Values(LimitCase{QM65,
-                                                   6,
-                                                   {178, 130, 135, 178, 128, 360},
-                                                   {-178, -130, -135, -178, -128, -360},
-                                                   {180, 180, 225, 225, 225, 225}},
-                                         LimitCase{QM75,
-                                                   7,
-                                                   {178, 130, 178, 135, 178, 128, 360},
-                                                   {-178, -130, -178, -135, -178, -128, -360},
-                                                   {180, 180, 225, 225, 225, 225, 225}},
-                                         LimitCase{TAV72,
-                                                   7,
-                                                   {172, 105, 172, 55, 172, 120, 172},
-                                                   {-172, -105, -172, -170, -172, -90, -172},
-                                                   {180, 180, 180, 180, 225, 225, 225}},
-                                         LimitCase{UNIVERSAL,
-                                                   7,
-                                                   {360, 360, 360, 360, 360, 360, 360},
-                                                   {-360, -360, -360, -360, -360, -360, -360},
-                                                   {300, 300, 300, 300, 300, 300, 300}}));
 
 TEST(ModelDefaults, LinkDynamicsDependOnTheSensorAndAreKeptAsDefault) {
     float plain[LINK_DYNAMICS_NUM], with_sensor[LINK_DYNAMICS_NUM], kept[LINK_DYNAMICS_NUM];
@@ -187,36 +161,36 @@ TEST(DHTable, DefaultRestoresTheModelsTableExactly) {
     EXPECT_EQ(libalgo_check_dh_params_is_default(), 1);
 }
 
-struct InstallCase {
-    float angle[3];
-    float gravity[3];
-};
-
-class InstallAngle : public testing::TestWithParam<InstallCase> {};
-
-TEST_P(InstallAngle, IsAnRzRyRxRotationThatTurnsGravityIntoTheBaseFrame) {
+TEST(InstallAngle, IsAnRzRyRxRotationThatTurnsGravityIntoTheBaseFrame) {
+    const float a = 0.3f, b = -0.4f;
+    const struct {
+        float angle[3], gravity[3];
+    } cases[] = {
+        {{0, 0, 0}, {0, 0, -9.81f}},
+        {{1.5707963f, 0, 0}, {0, -9.81f, 0}},
+        {{0, 1.5707963f, 0}, {9.81f, 0, 0}},
+        {{0, 0, 1.2f}, {0, 0, -9.81f}},
+        {{a, b, 0.5f},
+         {9.81f * std::sin(b), -9.81f * std::sin(a) * std::cos(b), -9.81f * std::cos(a) * std::cos(b)}},
+    };
     libalgo_init();
-    libalgo_set_robot_install_angle(GetParam().angle);
-    float g[3], back[3];
-    libalgo_get_robot_gravity_acc(g);
-    libalgo_get_robot_install_angle(back);
-    for (int i = 0; i < 3; ++i) {
-        EXPECT_NEAR(g[i], GetParam().gravity[i], 1e-5f) << i;
-        EXPECT_EQ(back[i], GetParam().angle[i]);
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.angle[0] << " " << c.angle[1] << " " << c.angle[2]);
+        libalgo_set_robot_install_angle(c.angle);
+        float g[3], back[3];
+        libalgo_get_robot_gravity_acc(g);
+        libalgo_get_robot_install_angle(back);
+        for (int i = 0; i < 3; ++i) {
+            EXPECT_NEAR(g[i], c.gravity[i], 1e-5f) << i;
+            EXPECT_EQ(back[i], c.angle[i]);
+        }
+        const Matrix m = libalgo_get_robot_install_angle_matrix();
+        const Matrix r = euler_to_matrix(Euler{c.angle[0], c.angle[1], c.angle[2]});
+        for (int i = 0; i < 4; ++i)
+            for (int j = 0; j < 4; ++j)
+                EXPECT_NEAR(m.data[i][j], i < 3 && j < 3 ? r.data[i][j] : i == j, 1e-6f);
     }
-    const Matrix m = libalgo_get_robot_install_angle_matrix();
-    const Matrix r = euler_to_matrix(Euler{GetParam().angle[0], GetParam().angle[1], GetParam().angle[2]});
-    for (int i = 0; i < 4; ++i)
-        for (int j = 0; j < 4; ++j) EXPECT_NEAR(m.data[i][j], i < 3 && j < 3 ? r.data[i][j] : i == j, 1e-6f);
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Angles, InstallAngle,
-    testing::Values(InstallCase{{0, 0, 0}, {0, 0, -9.81f}}, InstallCase{{1.5707963f, 0, 0}, {0, -9.81f, 0}},
-                    InstallCase{{0, 1.5707963f, 0}, {9.81f, 0, 0}}, InstallCase{{0, 0, 1.2f}, {0, 0, -9.81f}},
-                    InstallCase{{0.3f, -0.4f, 0.5f},
-                                {9.81f * std::sin(-0.4f), -9.81f * std::sin(0.3f) * std::cos(-0.4f),
-                                 -9.81f * std::cos(0.3f) * std::cos(-0.4f)}}));
 
 TEST(StoredConfiguration, ToolFrameAndJointRecordRoundTrip) {
     libalgo_init();

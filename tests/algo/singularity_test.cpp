@@ -4,7 +4,6 @@
 
 #include <array>
 #include <cmath>
-#include <vector>
 
 #include "qm_interface.h"
 
@@ -21,54 +20,40 @@ protected:
     void TearDown() override { qm_algo_kin_singularity_thresholds_init(); }
 };
 
-struct Case {
-    const char* what;
-    qm_robot_arm_model_e model;
-    Joints q;
-    int expected;
-    float distance;  // of the reported measure; negative: not checked
-};
+constexpr qm_robot_arm_model_e kQM65 = QM_MODEL_QM_65_E, kQM75 = QM_MODEL_QM_75_E;
+constexpr qm_robot_arm_model_e kLUX65 = QM_MODEL_LUX_65_E, kTAV72 = QM_MODEL_TAV_72_E;
+constexpr float kDeg = static_cast<float>(M_PI / 180);
 
 TEST_F(Singularity, KnownArmsReportTheirNearestSingularity) {
-    const std::vector<Case> cases = {
-        {"QM65 clear", QM_MODEL_QM_65_E, {0, 30, 60, 0, 45, 0}, 0, -1},
-        {"QM65 upper arm level: the wrist hangs 0.256 m out",
-         QM_MODEL_QM_65_E,
-         {0, 90, 90, 0, 45, 0},
-         0,
-         0.256f},
-        {"QM65 stretched up: every singularity, the shoulder reported", QM_MODEL_QM_65_E, {}, -1, 0.0f},
-        {"QM65 wrist centre on the first axis", QM_MODEL_QM_65_E, {0, 0, 0, 0, 45, 0}, -1, 0.0f},
-        {"QM65 stretched elbow", QM_MODEL_QM_65_E, {0, 30, 0, 0, 45, 0}, -2, 0.0f},
-        {"QM65 elbow 3 degrees from stretched",
-         QM_MODEL_QM_65_E,
-         {0, 30, 3, 0, 45, 0},
-         -2,
-         static_cast<float>(3 * M_PI / 180)},
-        {"QM65 wrist axes aligned", QM_MODEL_QM_65_E, {0, 30, 60, 0, 0, 0}, -3, 0.0f},
-        {"QM65 wrist 4 degrees off",
-         QM_MODEL_QM_65_E,
-         {0, 30, 60, 0, 4, 0},
-         -3,
-         static_cast<float>(4 * M_PI / 180)},
-        {"QM75 clear", QM_MODEL_QM_75_E, {0, 30, 0, 60, 0, 45, 0}, 0, -1},
-        {"QM75 stretched elbow", QM_MODEL_QM_75_E, {0, 30, 0, 0, 0, 45, 0}, -2, 0.0f},
-        {"QM75 wrist axes aligned", QM_MODEL_QM_75_E, {0, 30, 0, 60, 0, 0, 0}, -3, 0.0f},
-        {"LUX65 clear", QM_MODEL_LUX_65_E, {0, -60, 60, -90, 45, 0}, 0, -1},
+    const struct {
+        const char* what;
+        qm_robot_arm_model_e model;
+        Joints q;
+        int expected;
+        float distance;  // of the reported measure; negative: not checked
+    } cases[] = {
+        {"QM65 clear", kQM65, {0, 30, 60, 0, 45, 0}, 0, -1},
+        {"QM65 upper arm level: the wrist hangs out", kQM65, {0, 90, 90, 0, 45, 0}, 0, 0.256f},
+        {"QM65 stretched up: all of them, the shoulder reported", kQM65, {}, -1, 0.0f},
+        {"QM65 wrist centre on the first axis", kQM65, {0, 0, 0, 0, 45, 0}, -1, 0.0f},
+        {"QM65 stretched elbow", kQM65, {0, 30, 0, 0, 45, 0}, -2, 0.0f},
+        {"QM65 elbow 3 degrees from stretched", kQM65, {0, 30, 3, 0, 45, 0}, -2, 3 * kDeg},
+        {"QM65 wrist axes aligned", kQM65, {0, 30, 60, 0, 0, 0}, -3, 0.0f},
+        {"QM65 wrist 4 degrees off", kQM65, {0, 30, 60, 0, 4, 0}, -3, 4 * kDeg},
+        {"QM75 clear", kQM75, {0, 30, 0, 60, 0, 45, 0}, 0, -1},
+        {"QM75 stretched elbow", kQM75, {0, 30, 0, 0, 0, 45, 0}, -2, 0.0f},
+        {"QM75 wrist axes aligned", kQM75, {0, 30, 0, 60, 0, 0, 0}, -3, 0.0f},
+        {"LUX65 clear", kLUX65, {0, -60, 60, -90, 45, 0}, 0, -1},
         // The wrist's 0.134 m beside the arm plane is no clearance: the measure is the 0.425 m
         // upper arm less the 0.0997 m wrist link pointing back.
-        {"LUX65 shoulder in the arm plane", QM_MODEL_LUX_65_E, {0, -90, 90, -90, 45, 0}, 0, 0.425f - 0.0997f},
-        {"LUX65 stretched elbow", QM_MODEL_LUX_65_E, {0, -60, 0, -90, 45, 0}, -2, 0.0f},
-        {"LUX65 wrist axes aligned", QM_MODEL_LUX_65_E, {0, -60, 60, -90, 0, 0}, -3, 0.0f},
-        {"TAV72 stretched up", QM_MODEL_TAV_72_E, {0, 0, 0, 0, 0, 45, 0}, -1, 0.0f},
-        {"TAV72 clear", QM_MODEL_TAV_72_E, {0, -30, 0, -60, 0, 45, 0}, 0, 0.489f},
-        {"TAV72 elbow folding the wrist past the first axis",
-         QM_MODEL_TAV_72_E,
-         {0, 30, 0, -60, 0, 45, 0},
-         -1,
-         -1},
+        {"LUX65 shoulder in the arm plane", kLUX65, {0, -90, 90, -90, 45, 0}, 0, 0.425f - 0.0997f},
+        {"LUX65 stretched elbow", kLUX65, {0, -60, 0, -90, 45, 0}, -2, 0.0f},
+        {"LUX65 wrist axes aligned", kLUX65, {0, -60, 60, -90, 0, 0}, -3, 0.0f},
+        {"TAV72 stretched up", kTAV72, {0, 0, 0, 0, 0, 45, 0}, -1, 0.0f},
+        {"TAV72 clear", kTAV72, {0, -30, 0, -60, 0, 45, 0}, 0, 0.489f},
+        {"TAV72 elbow folding the wrist past the first axis", kTAV72, {0, 30, 0, -60, 0, 45, 0}, -1, -1},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         qm_algo_init_sys_data(c.model, QM_MODEL_QM_B_E);
         float distance = -1.0f;
         EXPECT_EQ(qm_algo_kin_robot_singularity_analyse(c.q.data(), &distance), c.expected) << c.what;
@@ -102,14 +87,11 @@ TEST_F(Singularity, UniversalFormComparesTheSmallestSingularValueWithTheLimit) {
         float limit;
         int expected;
     } cases[] = {
-        {QM_MODEL_QM_65_E, {0, 30, 60, 0, 45, 0}, 0.01f, 0},
-        {QM_MODEL_QM_65_E, {0, 30, 60, 0, 0, 0}, 0.01f, -1},  // wrist axes aligned
-        {QM_MODEL_QM_65_E, {0, 30, 60, 0, 45, 0}, 10.0f, -1},
-        {QM_MODEL_QM_75_E, {10, 30, 20, 60, 10, 45, 0}, 0.01f, 0},
-        {QM_MODEL_QM_75_E,
-         {10, 30, 20, 0, 10, 45, 0},
-         0.01f,
-         -1},  // no joint moves the wrist centre radially
+        {kQM65, {0, 30, 60, 0, 45, 0}, 0.01f, 0},
+        {kQM65, {0, 30, 60, 0, 0, 0}, 0.01f, -1},  // wrist axes aligned
+        {kQM65, {0, 30, 60, 0, 45, 0}, 10.0f, -1},
+        {kQM75, {10, 30, 20, 60, 10, 45, 0}, 0.01f, 0},
+        {kQM75, {10, 30, 20, 0, 10, 45, 0}, 0.01f, -1},  // no joint moves the wrist centre radially
     };
     for (const auto& c : cases) {
         qm_algo_init_sys_data(c.model, QM_MODEL_QM_B_E);
