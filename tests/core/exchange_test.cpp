@@ -81,12 +81,6 @@ TEST_F(Exchange, UnknownHandleFailsWithoutSending) {
     EXPECT_FALSE(controller.wait_line(0, 50ms));
 }
 
-TEST_F(Exchange, MissingReplyTimesOutWithRevice) {
-    LogCapture log(LOG_LEVEL_ERROR);
-    EXPECT_EQ(exchange("get_nothing", "nothing"), -2);
-    EXPECT_TRUE(log.contains("[test_exchange] get_nothing revice error\n"));
-}
-
 TEST_F(Exchange, WaitWithoutRequestTimesOutSilentlyExceptForPoints) {
     LogCapture log(LOG_LEVEL_DEBUG);
     EXPECT_EQ(await("nothing"), -2);
@@ -122,20 +116,13 @@ TEST_F(Exchange, PeerCloseIsReportedAndLaterSendsFail) {
 
 // ---- routing ----
 
-TEST_F(Exchange, ReplyKeyedByStateIsFoundUnderThatStateWithItsLength) {
-    const std::string line = R"({"command":"go","state":"went"})";
-    controller.reply("go", line);
-    std::string reply;
-    EXPECT_EQ(exchange("go", "went", &reply), static_cast<int>(line.size()));
-    EXPECT_EQ(reply, line);
-}
-
 TEST_F(Exchange, LateReplyGoesToTheNextWaiterForItsKey) {
+    const std::string line = R"({"command":"get_x","value":1})";
     EXPECT_EQ(exchange("get_x", "get_x"), -2);
-    controller.push_line(R"({"command":"get_x","value":1})");
+    controller.push_line(line);
     std::string reply;
-    EXPECT_GT(await("get_x", &reply, 500), 0);
-    EXPECT_EQ(reply, R"({"command":"get_x","value":1})");
+    EXPECT_EQ(await("get_x", &reply, 500), static_cast<int>(line.size())) << "the result is the length";
+    EXPECT_EQ(reply, line);
 }
 
 TEST_F(Exchange, StreamOdditiesDoNotCostTheRepliesAroundThem) {
@@ -149,16 +136,6 @@ TEST_F(Exchange, StreamOdditiesDoNotCostTheRepliesAroundThem) {
     EXPECT_TRUE(log.mentions("refused"));
     controller.push(R"({"command":"bare"})");  // a complete object without line end
     EXPECT_GT(await("bare", nullptr, 500), 0);
-}
-
-TEST_F(Exchange, ReplySplitOverSeveralWritesIsJoined) {
-    controller.on("get_x", [&](const std::string&) {
-        controller.push_split("{\"command\":\"get_x\",\"value\":{\"a\":1}}\r\n", 7, 5ms);
-        return std::nullopt;
-    });
-    std::string reply;
-    EXPECT_GT(exchange("get_x", "get_x", &reply, 1000), 0);
-    EXPECT_EQ(reply, R"({"command":"get_x","value":{"a":1}})");
 }
 
 TEST_F(Exchange, FloodOnOneConnectionDoesNotStallAnother) {
@@ -204,23 +181,32 @@ TEST_F(SingleThreadExchange, CommandKeyWinsOverState) {
     EXPECT_EQ(reply, "{\"command\":\"go\",\"state\":\"went\"}\r\n") << "copied with its line end";
 }
 
-TEST_F(SingleThreadExchange, SplitReplyIsJoined) {
+// ---- either receive mode ----
+
+class EitherMode : public ConnectedArm, public ::testing::WithParamInterface<qm_thread_mode_e> {
+protected:
+    EitherMode() : ConnectedArm(GetParam()) {}
+};
+
+TEST_P(EitherMode, ReplySplitOverSeveralWritesIsJoined) {
     controller.on("get_x", [&](const std::string&) {
-        controller.push_split("{\"command\":\"get_x\",\"value\":3}\r\n", 5, 3ms);
+        controller.push_split("{\"command\":\"get_x\",\"value\":{\"a\":1}}\r\n", 5, 3ms);
         return std::nullopt;
     });
-    int value = 0;
-    qm_set_timeout(500);
-    EXPECT_EQ(qm_get_data_common(arm(), &value, "get_x", "value"), 0);
-    EXPECT_EQ(value, 3);
+    std::string reply;
+    EXPECT_GT(exchange("get_x", "get_x", &reply, 1000), 0);
+    EXPECT_EQ(reply.substr(0, reply.find('\r')), R"({"command":"get_x","value":{"a":1}})");
 }
 
-TEST_F(SingleThreadExchange, NoReplyTimesOut) {
+TEST_P(EitherMode, MissingReplyTimesOutWithRevice) {
     LogCapture log(LOG_LEVEL_ERROR);
     int value = 0;
     EXPECT_EQ(qm_get_data_common(arm(), &value, "get_x", "value"), -2);
     EXPECT_TRUE(log.contains("[qm_get_data_common] get_x revice error\n"));
 }
+
+INSTANTIATE_TEST_SUITE_P(Modes, EitherMode, ::testing::Values(QM_SINGLE_MODE_E, QM_DUAL_MODE_E),
+                         [](const auto& info) { return info.param == QM_SINGLE_MODE_E ? "single" : "dual"; });
 
 }  // namespace
 }  // namespace core_test

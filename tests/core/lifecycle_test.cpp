@@ -1,7 +1,5 @@
 // Connection slots, handles and library start/stop against real loopback sockets.
-#include <arpa/inet.h>
 #include <gtest/gtest.h>
-#include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -12,28 +10,9 @@
 
 #include "qm_handle.h"
 #include "qm_interface.h"
+#include "test_io.h"
 
 namespace {
-
-// A TCP socket bound to an ephemeral loopback port; its port through `port`.
-int bound_loopback(int* port) {
-    int fd = ::socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in addr{};
-    addr.sin_family = AF_INET;
-    addr.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t len = sizeof addr;
-    ::bind(fd, reinterpret_cast<sockaddr*>(&addr), len);
-    ::getsockname(fd, reinterpret_cast<sockaddr*>(&addr), &len);
-    *port = ntohs(addr.sin_port);
-    return fd;
-}
-
-// A port on which nothing listens: bound, then released.
-int closed_port() {
-    int port = 0;
-    ::close(bound_loopback(&port));
-    return port;
-}
 
 class Lifecycle : public ::testing::TestWithParam<qm_thread_mode_e> {
 protected:
@@ -51,8 +30,8 @@ protected:
     }
     qm_robot_handle* create() { return qm_create_robot_arm("127.0.0.1", port_); }
 
-    int port_ = 0;
-    int listener_ = bound_loopback(&port_);
+    int listener_ = qm_test::bound_socket(SOCK_STREAM);
+    int port_ = qm_test::port_of(listener_);
 };
 
 }  // namespace
@@ -73,16 +52,14 @@ TEST_P(Lifecycle, FiveSlotsThenNullAndLowestFreedSlotIsReused) {
     ASSERT_EQ(qm_delete_robot_arm(handles[1]), 0);
     qm_robot_handle* again = create();
     ASSERT_NE(again, nullptr);
-    qm_rdlock_lock();
-    qm_handle_t* record = qm_get_qm_handle_by_robot_handle(again);
-    const int id = record ? record->id : 0;
-    qm_rdlock_unlock();
-    EXPECT_EQ(id, 2) << "the lowest free slot is taken first; ids count from 1";
+    TableReadLock lock;
+    const qm_handle_t* record = qm_get_qm_handle_by_robot_handle(again);
+    EXPECT_EQ(record ? record->id : 0, 2) << "the lowest free slot is taken first; ids count from 1";
 }
 
 TEST_P(Lifecycle, RefusedConnectGivesIdMinusOneQuicklyAndOccupiesASlot) {
     auto start = std::chrono::steady_clock::now();
-    qm_robot_handle* handle = qm_create_robot_arm("127.0.0.1", closed_port());
+    qm_robot_handle* handle = qm_create_robot_arm("127.0.0.1", qm_test::free_port(SOCK_STREAM));
     ASSERT_NE(handle, nullptr);
     EXPECT_EQ(handle->id, -1);
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(3500));

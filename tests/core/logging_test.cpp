@@ -3,14 +3,13 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <fstream>
 #include <regex>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "log.h"
 #include "qm_interface.h"
+#include "test_io.h"
 
 namespace {
 
@@ -62,13 +61,11 @@ TEST(Logging, LogFileHoldsTimeStampedLines) {
     qm_log_error("no line end %d", 7);
     qm_log_file_close();
 
-    std::ifstream in(path);
-    std::stringstream text;
-    text << in.rdbuf();
+    const std::string text = qm_test::read_file(path);
     std::remove(path);
     const std::string stamp = std::string("\\[") + kStamp + "\\]";
     std::regex expected(stamp + " Begin API Testing\\.\n" + stamp + ": \\[qm_movej\\] movej send error\n\n" +
                         stamp + ": no line end 7\n");
-    EXPECT_TRUE(std::regex_match(text.str(), expected)) << text.str();
+    EXPECT_TRUE(std::regex_match(text, expected)) << text;
     EXPECT_TRUE(std::regex_match(qm_get_cur_time(), std::regex(kStamp)));
 }

@@ -4,9 +4,7 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <fstream>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -16,6 +14,7 @@
 #include "qm_handle.h"
 #include "qm_interface.h"
 #include "qm_mailbox.h"
+#include "test_io.h"
 
 namespace {
 
@@ -105,29 +104,21 @@ TEST_F(Mailbox, UncollectedLineIsOverwrittenAfterFiftyLaterArrivals) {
     EXPECT_EQ(take("newcomer"), R"({"state":"newcomer","n":0})");
 }
 
-TEST_F(Mailbox, FullMailboxGivesUpItsOldestEntry) {
-    for (int i = 0; i < SOCKET_FIFO_MAX - 1; ++i) file_state("k" + std::to_string(i));
-    ASSERT_EQ(used_entries(), SOCKET_FIFO_MAX - 1);
+TEST_F(Mailbox, FullMailboxGivesUpItsOldestEntryAndThenDropsTheLine) {
     // The fortieth line reaches the last entry, which first clears the oldest one.
-    file_state("k39");
+    for (int i = 0; i < SOCKET_FIFO_MAX; ++i) file_state("k" + std::to_string(i));
     EXPECT_EQ(used_entries(), SOCKET_FIFO_MAX - 1);
-    file_state("late");
     EXPECT_EQ(take("k0"), "");
-    EXPECT_EQ(take("late"), R"({"state":"late","n":0})");
-    EXPECT_EQ(take("k1"), R"({"state":"k1","n":0})");
-    EXPECT_EQ(take("k39"), R"({"state":"k39","n":0})");
     EXPECT_EQ(min_index.load(), 0);
     EXPECT_EQ(min_time.load(), 0u);
-}
-
-TEST_F(Mailbox, LineFindingNoFreshEntryIsDropped) {
-    for (int i = 0; i < SOCKET_FIFO_MAX; ++i) file_state("k" + std::to_string(i));
-    file_state("late");  // entry 0 is free again and takes it
+    file_state("late");  // into the freed entry 0
+    EXPECT_EQ(used_entries(), SOCKET_FIFO_MAX);
     // Now all 40 are in use and fresh: the oldest is cleared, the line has no room.
     file_state("dropped");
     EXPECT_EQ(take("dropped"), "");
     EXPECT_EQ(take("late"), "");
-    EXPECT_EQ(used_entries(), SOCKET_FIFO_MAX - 1);
+    EXPECT_EQ(take("k1"), R"({"state":"k1","n":0})");
+    EXPECT_EQ(take("k39"), R"({"state":"k39","n":0})");
 }
 
 TEST_F(Mailbox, LinesOfTenThousandTwoHundredFortyBytesAndKeysOfFiftyAreRefused) {
@@ -160,15 +151,14 @@ TEST_F(Mailbox, ListenerFlagDiscardsTheNextTrajectoryOrProgramEvent) {
     EXPECT_EQ(take("program_run_finish"), "");
     EXPECT_EQ(event_listener.flag.load(), 0);
     EXPECT_EQ(used_entries(), 0);
-}
 
-TEST_F(Mailbox, WaitingTakeLooksPastADiscardedEvent) {
     file(kArrival);
     file_state("reply");
     event_listener.flag = 1;
     char buf[256] = {};
-    EXPECT_GT(
-        fifo_wait_line(*record->fifo_handle, "reply", buf, sizeof buf, std::chrono::steady_clock::now()), 0);
+    const auto now = std::chrono::steady_clock::now();
+    EXPECT_GT(fifo_wait_line(*record->fifo_handle, "reply", buf, sizeof buf, now), 0)
+        << "waiting looks past it";
 }
 
 TEST_F(Mailbox, WaitingTakeWakesWhenTheLineIsFiled) {
@@ -186,13 +176,10 @@ TEST_F(Mailbox, WaitingTakeWakesWhenTheLineIsFiled) {
 // ---- events ----
 
 std::vector<qm_event_push_data_t> g_events;
-void collect_event(qm_event_push_data_t data) {
-    g_events.push_back(data);
-}
 
 TEST_F(Mailbox, EventsReachTheCallbackWithTheirFieldsAndStayFiled) {
     g_events.clear();
-    qm_get_arm_event_call_back(collect_event);
+    qm_get_arm_event_call_back([](qm_event_push_data_t event) { g_events.push_back(event); });
     file(R"({"state":"current_trajectory_state","trajectory_state":true,"device":2,"trajectory_connect":1})");
     file(R"({"state":"program_run_finish","finish_id":17})");
     qm_get_arm_event_call_back(nullptr);  // keeps the previous callback
@@ -218,12 +205,7 @@ protected:
         drag_teach_file_close();
         std::remove(path.c_str());
     }
-    std::string saved() const {
-        std::ifstream in(path, std::ios::binary);
-        std::stringstream text;
-        text << in.rdbuf();
-        return text.str();
-    }
+    std::string saved() const { return qm_test::read_file(path); }
     std::string path = ::testing::TempDir() + "drag_points_" + std::to_string(::getpid()) + ".txt";
 };
 

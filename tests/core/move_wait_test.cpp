@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <ostream>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -43,10 +42,6 @@ struct WaitCase {
     int result;
     int queries;  // -1: not counted
 };
-// Names the case in test listings.
-void PrintTo(const WaitCase& c, std::ostream* os) {
-    *os << c.name;
-}
 
 class MoveWaitFor : public ConnectedArm, public ::testing::WithParamInterface<WaitCase> {
 protected:
@@ -72,9 +67,7 @@ TEST_P(MoveWaitFor, EndsAsTheControllerSays) {
         });
     }
     EXPECT_EQ(qm_wait_move_arrival(arm(), c.wait, c.block), c.result);
-    if (c.queries >= 0) {
-        EXPECT_EQ(queries, c.queries);
-    }
+    EXPECT_TRUE(c.queries < 0 || queries == c.queries) << queries << " queries";
     EXPECT_EQ(log.contains("[qm_movej] current device is: 1 \n"), c.result == -4);
     EXPECT_EQ(await("current_trajectory_state", nullptr, 1), -2) << "every pushed event was consumed";
 }
@@ -124,33 +117,29 @@ protected:
 
 TEST_F(CurrentTrajectory, ParsesTypeAndTargetInMetresRadiansOrDegrees) {
     const struct {
-        const char* tail;
+        const char* type_text;
+        const char* data_text;
         qm_arm_current_trajectory_e type;
         std::vector<float> data;
     } rows[] = {
-        {R"("type":"movel","data":[1000000,0,0,3142,0,0]})",
-         QM_CARTESIAN_LINEAR_PLANNING_E,
-         {1, 0, 0, 3.142f, 0, 0}},
-        // Data beyond the joint slots is cut.
-        {R"("type":"movej","data":[1000,-2500,0,0,0,90000,0,8,9]})",
-         QM_JOINT_SPACE_PLANNING_E,
-         {1, -2.5f, 0, 0, 0, 90}},
-        {R"("type":"movec","data":[0,500000,0,0,1000,0]})",
-         QM_CARTESIAN_ARC_PLANNING_E,
-         {0, 0.5f, 0, 0, 1, 0}},
-        {R"("type":"moves","data":[0,0,0,0,0,0]})", QM_SPLINE_CURVE_MOTION_PLANNING_E, {}},
-        {R"("type":"re_trajectory","data":[1,2,3,4,5,6,7]})",
+        {"movel", "1000000,0,0,3142,0,0", QM_CARTESIAN_LINEAR_PLANNING_E, {1, 0, 0, 3.142f, 0, 0}},
+        {"movej", "1000,-2500,0,0,0,90000,0,8,9", QM_JOINT_SPACE_PLANNING_E, {1, -2.5f, 0, 0, 0, 90}},  // cut
+        {"movec", "0,500000,0,0,1000,0", QM_CARTESIAN_ARC_PLANNING_E, {0, 0.5f, 0, 0, 1, 0}},
+        {"moves", "0,0,0,0,0,0", QM_SPLINE_CURVE_MOTION_PLANNING_E, {}},
+        {"re_trajectory",
+         "1,2,3,4,5,6,7",
          QM_TRAJECTORY_REPLAY_PLANNING_E,
-         {0.001f, 0.002f, 0.003f, 0.004f, 0.005f, 0.006f, 0.007f}},
-        // Nothing planned teaches the joint count.
-        {R"("type":"none","data":[0,0,0,0,0,0,0]})", QM_NO_PLANNING_E, {}},
+         {1e-3f, 2e-3f, 3e-3f, 4e-3f, 5e-3f, 6e-3f, 7e-3f}},
+        {"none", "0,0,0,0,0,0,0", QM_NO_PLANNING_E, {}},  // teaches the joint count
     };
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.tail);
+        const std::string tail =
+            std::string(R"("type":")") + row.type_text + R"(","data":[)" + row.data_text + "]}";
+        SCOPED_TRACE(tail);
         auto type = static_cast<qm_arm_current_trajectory_e>(-1);
         float data[ARM_DOF + 1] = {};
         data[ARM_DOF] = -1.0f;
-        ASSERT_EQ(query(row.tail, &type, data), 0);
+        ASSERT_EQ(query(tail.c_str(), &type, data), 0);
         EXPECT_EQ(type, row.type);
         for (size_t i = 0; i < row.data.size(); ++i)
             EXPECT_NEAR(data[i], row.data[i], 1e-6) << "element " << i;

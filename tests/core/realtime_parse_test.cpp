@@ -2,7 +2,7 @@
 #include <cjson/cJSON.h>
 #include <gtest/gtest.h>
 
-#include <ostream>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -138,69 +138,37 @@ TEST(RealtimeParse, ArraysLongerThanTheRecordAreCut) {
     EXPECT_EQ(r.plus_state_info.dof_err[0], 0) << "the next field is untouched";
 }
 
-struct Malformed {
-    const char* name;
-    Edit edit;
-};
-// Names the case in test listings.
-void PrintTo(const Malformed& c, std::ostream* os) {
-    *os << c.name;
-}
-
-class RealtimeMalformed : public ::testing::TestWithParam<Malformed> {};
-
-TEST_P(RealtimeMalformed, GivesMinusThree) {
-    parse(datagram({GetParam().edit}), -3);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Pushes, RealtimeMalformed,
-    ::testing::Values(
-        Malformed{"no_err", {"", "err", nullptr}}, Malformed{"empty_err", {"", "err", "[]"}},
-        Malformed{"no_joint_status", {"", "joint_status", nullptr}},
-        Malformed{"no_waypoint", {"", "waypoint", nullptr}},
-        Malformed{"quat_of_three", {"waypoint", "quat", "[1,0,0]"}},
-        Malformed{"euler_not_an_array", {"waypoint", "euler", "1"}},
-        Malformed{"position_missing", {"waypoint", "position", nullptr}},
-        Malformed{"aloha_member_missing", {"", "aloha_state", R"({"io1_state":1})"}},
-        Malformed{"aloha_member_not_a_number", {"", "aloha_state", R"({"io1_state":1,"io2_state":"on"})"}},
-        Malformed{"hand_array_missing",
-                  {"", "hand", R"({"hand_pos":[],"hand_angle":[],"hand_force":[],"hand_err":0})"}},
-        Malformed{"hand_err_missing",
-                  {"", "hand", R"({"hand_pos":[],"hand_angle":[],"hand_force":[],"hand_state":[]})"}},
-        Malformed{"lift_member_missing",
-                  {"", "lift_state", R"({"pos":1,"height":2,"current":3,"err_flag":0})"}},
-        Malformed{"expand_member_missing",
-                  {"", "expand_state", R"({"pos":1,"current":3,"err_flag":0,"en_flag":1,"mode":0})"}},
-        Malformed{"plus_state_unknown_text", {"", "qm_plus_state", R"("gone")"}}),
-    [](const auto& info) { return std::string(info.param.name); });
-
-TEST(RealtimeParse, UnparsableDatagramIsLogged) {
+TEST(RealtimeParse, MissingOrMalformedSectionGivesMinusThree) {
+    const Edit rows[] = {
+        {"", "err", nullptr},
+        {"", "err", "[]"},
+        {"", "joint_status", nullptr},
+        {"", "waypoint", nullptr},
+        {"waypoint", "quat", "[1,0,0]"},
+        {"waypoint", "euler", "1"},
+        {"waypoint", "position", nullptr},
+        {"", "aloha_state", R"({"io1_state":1})"},
+        {"", "aloha_state", R"({"io1_state":1,"io2_state":"on"})"},
+        {"", "hand", R"({"hand_pos":[],"hand_angle":[],"hand_force":[],"hand_err":0})"},
+        {"", "hand", R"({"hand_pos":[],"hand_angle":[],"hand_force":[],"hand_state":[]})"},
+        {"", "lift_state", R"({"pos":1,"height":2,"current":3,"err_flag":0})"},
+        {"", "expand_state", R"({"pos":1,"current":3,"err_flag":0,"en_flag":1,"mode":0})"},
+        {"", "qm_plus_state", R"("gone")"},
+    };
+    for (const Edit& edit : rows) parse(datagram({edit}), -3);
     qm_test::LogCapture log(LOG_LEVEL_ERROR);
-    Record record;
-    record.errCode = 5;
-    EXPECT_EQ(parse_qm_realtime_arm_joint_state("{\"joint_status\":", &record), -3);
+    parse("{\"joint_status\":", -3);
     EXPECT_TRUE(log.contains("[qm_realtime_arm_joint_state] parse err\n"));
 }
 
 TEST(RealtimeParse, ArmStatusTextMapsToItsWireValueIdleWhenUnknown) {
-    const char* const texts[] = {"idle",
-                                 "move_L",
-                                 "move_J",
-                                 "move_C",
-                                 "move_S",
-                                 "move_through_joint",
-                                 "move_through_pose",
-                                 "move_through_force_pose",
-                                 "move_through_current",
-                                 "stop",
-                                 "slow_stop",
-                                 "pause",
-                                 "current_drag",
-                                 "sensor_drag",
-                                 "tech_demonstration"};
-    for (int value = 0; value <= QM_TECH_DEMONSTRATION_E; ++value)
-        EXPECT_EQ(get_arm_status_from_string(texts[value]), value) << texts[value];
+    std::istringstream texts(
+        "idle move_L move_J move_C move_S move_through_joint move_through_pose move_through_force_pose "
+        "move_through_current stop slow_stop pause current_drag sensor_drag tech_demonstration");
+    int value = 0;
+    for (std::string text; texts >> text; ++value)
+        EXPECT_EQ(get_arm_status_from_string(text.c_str()), value) << text;
+    EXPECT_EQ(value, QM_TECH_DEMONSTRATION_E + 1);
     EXPECT_EQ(get_arm_status_from_string("unknown"), QM_IDLE_E);
     EXPECT_EQ(get_arm_status_from_string("Move_J"), QM_IDLE_E);
 }

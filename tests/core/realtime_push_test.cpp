@@ -1,18 +1,15 @@
 // Configuring the realtime push and receiving real datagrams on a registered port.
-#include <arpa/inet.h>
 #include <gtest/gtest.h>
-#include <netinet/in.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
 #include <condition_variable>
-#include <cstring>
 #include <mutex>
 #include <utility>
 #include <vector>
 
 #include "connected_arm.h"
 #include "log_capture.h"
+#include "test_io.h"
 
 namespace core_test {
 namespace {
@@ -21,13 +18,8 @@ using qm_test::LogCapture;
 
 qm_realtime_push_config_t config_of(int cycle, int port, const char* ip, int force_coordinate = -1,
                                     qm_udp_custom_config_t custom = {-1, -1, -1, -1, -1, -1, -1, -1}) {
-    qm_realtime_push_config_t config{};
-    config.cycle = cycle;
-    config.enable = true;
-    config.port = port;
-    config.force_coordinate = force_coordinate;
+    qm_realtime_push_config_t config{cycle, true, port, force_coordinate, {}, custom};
     std::snprintf(config.ip, sizeof config.ip, "%s", ip);
-    config.custom_config = custom;
     return config;
 }
 
@@ -115,44 +107,17 @@ TEST_F(RealtimePush, ReadingFillsTheConfigAndLearnsThePort) {
 
 TEST_F(RealtimePush, ReadingWithASensorNeedsTheForceFrame) {
     give_force_sensor();
-    controller.reply(
-        "get_realtime_push",
-        R"({"command":"get_realtime_push","cycle":3,"port":8100,"ip":"1.2.3.4","enable":false,"custom":{}})");
+    const std::string reply =
+        R"({"command":"get_realtime_push","cycle":3,"port":8100,"ip":"1.2.3.4","enable":false,"custom":{})";
     qm_realtime_push_config_t config{};
+    controller.reply("get_realtime_push", reply + "}");
     EXPECT_EQ(qm_get_realtime_push(arm(), &config), -3);
-    controller.reply("get_realtime_push",
-                     R"({"command":"get_realtime_push","cycle":3,"port":8100,"ip":"1.2.3.4",)"
-                     R"("enable":false,"custom":{},"force_coordinate":2})");
+    controller.reply("get_realtime_push", reply + R"(,"force_coordinate":2})");
     EXPECT_EQ(qm_get_realtime_push(arm(), &config), 0);
     EXPECT_EQ(config.force_coordinate, 2);
 }
 
 // ---- real datagrams ----
-
-sockaddr_in loopback(int port) {
-    sockaddr_in addr{};
-    addr.sin_family = AF_INET;
-    addr.sin_port = htons(static_cast<uint16_t>(port));
-    addr.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    return addr;
-}
-
-int free_udp_port() {
-    int fd = ::socket(AF_INET, SOCK_DGRAM, 0);
-    sockaddr_in addr = loopback(0);
-    socklen_t len = sizeof addr;
-    ::bind(fd, reinterpret_cast<sockaddr*>(&addr), len);
-    ::getsockname(fd, reinterpret_cast<sockaddr*>(&addr), &len);
-    ::close(fd);
-    return ntohs(addr.sin_port);
-}
-
-void send_datagram(int port, const std::string& text) {
-    int fd = ::socket(AF_INET, SOCK_DGRAM, 0);
-    const sockaddr_in to = loopback(port);
-    ::sendto(fd, text.data(), text.size(), 0, reinterpret_cast<const sockaddr*>(&to), sizeof to);
-    ::close(fd);
-}
 
 std::mutex g_mutex;
 std::condition_variable g_arrived;
@@ -174,7 +139,7 @@ protected:
             g_states.clear();
         }
         qm_realtime_arm_state_call_back(collect_state);
-        port = free_udp_port();
+        port = qm_test::free_port(SOCK_DGRAM);
         controller.reply("get_realtime_push", R"({"command":"get_realtime_push","cycle":5,"port":)" +
                                                   std::to_string(port) +
                                                   R"(,"ip":"127.0.0.1","enable":true,"custom":{}})");
@@ -197,7 +162,7 @@ TEST_F(RealtimeDatagrams, EnabledPushRegistersItsPortAndEachDatagramReachesTheCa
         for (const auto& entry : gUdpHandle->udp_list) users += entry.port == port ? entry.user_num : 0;
         EXPECT_EQ(users, 1);
     }
-    send_datagram(
+    qm_test::send_datagram(
         port, R"({"joint_status":{"joint_speed":[1000]},"waypoint":{"quat":[1000000,0,0,0],"euler":[0,0,0],)"
               R"("position":[0,0,0]},"err":[3],"arm_current_status":"move_L"})");
     auto received = states(1);
@@ -210,9 +175,9 @@ TEST_F(RealtimeDatagrams, EnabledPushRegistersItsPortAndEachDatagramReachesTheCa
 }
 
 TEST_F(RealtimeDatagrams, MalformedOrOverlongDatagramIsDeliveredWithMinusThree) {
-    send_datagram(port, R"({"joint_status":{},"waypoint":{"quat":[1,0,0]},"err":[0]})");
-    send_datagram(port, "not json at all");
-    send_datagram(port, std::string(4000, 'x'));  // cut to the buffer
+    qm_test::send_datagram(port, R"({"joint_status":{},"waypoint":{"quat":[1,0,0]},"err":[0]})");
+    qm_test::send_datagram(port, "not json at all");
+    qm_test::send_datagram(port, std::string(4000, 'x'));  // cut to the buffer
     auto received = states(3);
     ASSERT_EQ(received.size(), 3u);
     for (const auto& state : received) {

@@ -60,25 +60,23 @@ TEST(KeyTableParse, RefusalIsMalformedWithItsMessage) {
         const char* message;
     } rows[] = {
         {"{", {JSON_INT, "k", 0, {}}, "Error parsing JSON\n"},
-        {R"({"j":1})", {JSON_INT, "k", 0, {}}, "[qm_caller] k parsing error\n"},
-        {R"({"k":1})", {JSON_STRING, "k", 0, {}}, "[qm_caller] k is not a string\n"},
-        {R"({"k":1})", {JSON_ARRAY, "k", 2, {}}, "[qm_caller] k is not an array\n"},
-        {R"({"k":[1,2,3]})", {JSON_ARRAY, "k", 2, {}}, "[qm_caller] Array size mismatch for key k\n"},
-        {R"({"arm_state":{"k":[]}})",
-         {JSON_ARRAY, "k", 0, {}},
-         "[qm_caller] Array size mismatch for key k\n"},
+        {R"({"j":1})", {JSON_INT, "k", 0, {}}, "[c] k parsing error\n"},
+        {R"({"k":1})", {JSON_STRING, "k", 0, {}}, "[c] k is not a string\n"},
+        {R"({"k":1})", {JSON_ARRAY, "k", 2, {}}, "[c] k is not an array\n"},
+        {R"({"k":[1,2,3]})", {JSON_ARRAY, "k", 2, {}}, "[c] Array size mismatch for key k\n"},
+        {R"({"arm_state":{"k":[]}})", {JSON_ARRAY, "k", 0, {}}, "[c] Array size mismatch for key k\n"},
         // More elements than the value area holds.
         {R"({"k":[1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16,17,18,19,20,21,22,23,24,25]})",
          {JSON_ARRAY, "k", 25, {}},
-         "[qm_caller] Array size mismatch for key k\n"},
+         "[c] Array size mismatch for key k\n"},
         {R"({"k":1})",
          {static_cast<JsonValueType>(5), "k", 0, {}},
-         "[qm_caller] Unsupported JSON value type for key k\n"},
+         "[c] Unsupported JSON value type for key k\n"},
     };
     for (const auto& row : rows) {
         LogCapture log(LOG_LEVEL_ERROR);
         KeyValue entry = row.entry;
-        EXPECT_EQ(common_json_parse("qm_caller", row.reply, &entry, 1), -3) << row.reply;
+        EXPECT_EQ(common_json_parse("c", row.reply, &entry, 1), -3) << row.reply;
         EXPECT_TRUE(log.contains(row.message)) << testing::PrintToString(log.messages());
     }
 }

@@ -1,11 +1,11 @@
 // The UDP port table: shared ports, user counts and the five-entry bound.
 #include <gtest/gtest.h>
-#include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <memory>
 
+#include "test_io.h"
 #include "udp.h"
 
 namespace {
@@ -53,11 +53,8 @@ TEST_F(UdpTable, SixthDistinctPortIsRefused) {
 
 TEST_F(UdpTable, PortThatCannotBeBoundLeavesEntryZeroed) {
     // A socket that holds the port without address reuse makes the bind fail.
-    int holder = ::socket(AF_INET, SOCK_DGRAM, 0);
-    sockaddr_in addr{};
-    addr.sin_family = AF_INET;
-    addr.sin_port = htons(kBase + 30);
-    ASSERT_EQ(::bind(holder, reinterpret_cast<sockaddr*>(&addr), sizeof addr), 0);
+    const int holder = qm_test::bound_socket(SOCK_DGRAM, kBase + 30);
+    ASSERT_GE(holder, 0);
     ::testing::internal::CaptureStderr();
     EXPECT_EQ(table->udp_add_port(table.get(), kBase + 30), -1);
     EXPECT_NE(::testing::internal::GetCapturedStderr().find("bind failed"), std::string::npos);
