@@ -43,6 +43,9 @@ struct WaitCase {
     int queries;  // -1: not counted
 };
 
+// Named, so gtest does not dump the raw bytes (padding included) of a case.
+void PrintTo(const WaitCase& c, std::ostream* os) { *os << c.name; }
+
 class MoveWaitFor : public ConnectedArm, public ::testing::WithParamInterface<WaitCase> {
 protected:
     MoveWaitFor() : ConnectedArm(GetParam().mode) {}
