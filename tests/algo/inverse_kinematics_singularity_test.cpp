@@ -80,7 +80,7 @@ TEST_P(IkSingularity, NearbyTargetsGiveValidBranches) {
     for (const float step : {1e-7f, 1e-6f, 1e-5f, 1e-4f, 1e-3f}) {
         for (int j = 0; j < dof_; ++j) {
             SCOPED_TRACE("joint " + std::to_string(j) + " moved by " + std::to_string(step));
-            float q[ROBOT_DOF], out[ROBOT_DOF];
+            float q[ROBOT_DOF], out[ROBOT_DOF] = {};
             std::copy(GetParam().q, GetParam().q + ROBOT_DOF, q);
             q[j] += step;
             valid_answer(q, GetParam().q, out);
