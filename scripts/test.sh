@@ -24,6 +24,6 @@ case "$variant" in
   *) echo "unknown variant: $variant" >&2; exit 2 ;;
 esac
 
-cmake -S . -B "$dir" -G Ninja "${flags[@]}"
+cmake -S . -B "$dir" -G Ninja -DQM_WERROR=ON "${flags[@]}"
 cmake --build "$dir" -j"$(nproc)"
 ctest --test-dir "$dir" --output-on-failure -j"$(( $(nproc) * 2 ))"
