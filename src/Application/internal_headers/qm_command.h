@@ -23,6 +23,7 @@
 #include <initializer_list>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "mio_json.h"
@@ -156,6 +157,11 @@ int send_set(const char* caller, qm_robot_handle* handle, const Request& req, co
 // common_json_parse's result (0 or -3).
 int send_query(const char* caller, qm_robot_handle* handle, const Request& req, const Reply& reply,
                std::span<KeyValue> table);
+
+// Writes `data` straight to the connection's socket under the table lock, in pieces of at most
+// `piece` bytes, each sent up to its first zero byte, with `pause` after each piece. 0, or -1
+// when the connection is gone or a send fails.
+int send_raw(qm_robot_handle* handle, std::string_view data, std::size_t piece, std::chrono::milliseconds pause);
 
 // Key-table entries.
 KeyValue int_member(const char* key);
