@@ -5,9 +5,11 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <functional>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "fake_controller.h"
@@ -51,6 +53,27 @@ struct SetRow {
 struct Failure {
     std::optional<std::string> reply;
     int expected;
+};
+
+// Pushes one line every 20 ms until destroyed. In single-thread mode the bytes that share a
+// read with an awaited reply are dropped, so a single push could be lost.
+class RepeatedPush {
+public:
+    RepeatedPush(qm_test::FakeController& controller, std::string line)
+        : thread_([this, &controller, line = std::move(line)] {
+              while (!stop_) {
+                  controller.push_line(line);
+                  std::this_thread::sleep_for(20ms);
+              }
+          }) {}
+    ~RepeatedPush() {
+        stop_ = true;
+        thread_.join();
+    }
+
+private:
+    std::atomic<bool> stop_{false};
+    std::thread thread_;
 };
 
 // The listener flag and the reply timeouts are process-wide: each test starts from a clear
