@@ -18,8 +18,12 @@
 #include "qm_command.h"
 #include "qm_fifo.h"
 
-// Lists may fill a whole mailbox line.
-constexpr int kListReplyLen = FIFO_LINE_MAX;
+// One page of a list stored on the controller: asked for by page and search text, answered
+// under `command` in a reply that may fill a whole mailbox line.
+Request page_request(const char* command, int page_num, int page_size, const char* vague_search);
+inline Reply page_reply(const char* command) {
+    return Reply::query(command).buffer(FIFO_LINE_MAX);
+}
 
 // Reads members of one reply object into a record. The first member that is missing or of
 // another type stops the reading (later reads do nothing) and is remembered. Texts are cut to

@@ -106,38 +106,36 @@ int qm_set_plan_speed(qm_robot_handle* handle, int speed) {
 int qm_get_program_trajectory_list(qm_robot_handle* handle, int page_num, int page_size,
                                    const char* vague_search, qm_program_trajectorys_t* trajectorys) {
     const char* caller = __func__;
-    Request req("get_program_trajectory_list");
-    req.integer("page_num", page_num).integer("page_size", page_size).str("vague_search", vague_search);
-    const Reply reply = Reply::query("get_program_trajectory_list").buffer(kListReplyLen);
-    return send_query_object(caller, handle, req, reply, [&](const cJSON& root) {
-        qm_program_trajectorys_t read{};
-        int listed = 0;
-        ObjectReader in(&root);
-        in.integer("page_num", read.page_num)
-            .integer("page_size", read.page_size)
-            .integer("total_size", read.list_size)
-            .text("vague_search", read.vague_search)
-            .list("list", read.trajectory_list, listed,
-                  [](ObjectReader& item, qm_trajectory_data_t& program) {
-                      item.integer("id", program.id)
-                          .text("trajectory_name", program.trajectory_name)
-                          .integer("size", program.size)
-                          .integer("speed", program.speed);
-                  });
-        if (!in.ok()) {
-            qm_log_error("[%s] get program trajectory list parser error!\n", caller);
-            return -3;
-        }
-        if (trajectorys) *trajectorys = read;
-        return 0;
-    });
+    const Request req = page_request("get_program_trajectory_list", page_num, page_size, vague_search);
+    return send_query_object(caller, handle, req, page_reply("get_program_trajectory_list"),
+                             [&](const cJSON& root) {
+                                 qm_program_trajectorys_t read{};
+                                 int listed = 0;
+                                 ObjectReader in(&root);
+                                 in.integer("page_num", read.page_num)
+                                     .integer("page_size", read.page_size)
+                                     .integer("total_size", read.list_size)
+                                     .text("vague_search", read.vague_search)
+                                     .list("list", read.trajectory_list, listed,
+                                           [](ObjectReader& item, qm_trajectory_data_t& program) {
+                                               item.integer("id", program.id)
+                                                   .text("trajectory_name", program.trajectory_name)
+                                                   .integer("size", program.size)
+                                                   .integer("speed", program.speed);
+                                           });
+                                 if (!in.ok()) {
+                                     qm_log_error("[%s] get program trajectory list parser error!\n", caller);
+                                     return -3;
+                                 }
+                                 if (trajectorys) *trajectorys = read;
+                                 return 0;
+                             });
 }
 
 int qm_get_program_run_state(qm_robot_handle* handle, qm_program_run_state_t* run_state) {
     const char* caller = __func__;
     return send_query_object(caller, handle, Request("get_program_run_state"),
-                             Reply::query("get_program_run_state").buffer(kListReplyLen),
-                             [&](const cJSON& root) {
+                             page_reply("get_program_run_state"), [&](const cJSON& root) {
                                  qm_program_run_state_t read{};
                                  ObjectReader in(&root);
                                  in.integer("run_state", read.run_state)

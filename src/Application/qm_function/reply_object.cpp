@@ -93,6 +93,12 @@ int ObjectReader::result(const char* caller) const {
     return -3;
 }
 
+Request page_request(const char* command, int page_num, int page_size, const char* vague_search) {
+    Request req(command);
+    req.integer("page_num", page_num).integer("page_size", page_size).str("vague_search", vague_search);
+    return req;
+}
+
 int send_query_object(const char* caller, qm_robot_handle* handle, const Request& req, const Reply& reply,
                       const std::function<int(const cJSON& root)>& decode) {
     std::string text;

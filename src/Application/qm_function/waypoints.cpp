@@ -87,25 +87,24 @@ int qm_get_given_global_waypoint(qm_robot_handle* handle, const char* name, qm_w
 int qm_get_global_waypoints_list(qm_robot_handle* handle, int page_num, int page_size,
                                  const char* vague_search, qm_waypoint_list_t* point_list) {
     const char* caller = __func__;
-    Request req("get_global_waypoints_list");
-    req.integer("page_num", page_num).integer("page_size", page_size).str("vague_search", vague_search);
-    const Reply reply = Reply::query("get_global_waypoints_list").buffer(kListReplyLen);
-    return send_query_object(caller, handle, req, reply, [&](const cJSON& root) {
-        auto read = std::make_unique<qm_waypoint_list_t>();
-        // The page is the one asked for unless the reply says otherwise.
-        read->page_num = page_num;
-        read->page_size = page_size;
-        copy_text(read->vague_search, vague_search);
-        ObjectReader(&root).integer("page_num", read->page_num);
-        ObjectReader(&root).integer("page_size", read->page_size);
-        ObjectReader(&root).text("vague_search", read->vague_search);
-        ObjectReader in(&root);
-        in.integer("total_size", read->total_size)
-            .list("list", read->points_list, read->list_len, read_waypoint);
-        if (int rc = in.result(caller)) return rc;
-        if (point_list) *point_list = *read;
-        return 0;
-    });
+    const Request req = page_request("get_global_waypoints_list", page_num, page_size, vague_search);
+    return send_query_object(caller, handle, req, page_reply("get_global_waypoints_list"),
+                             [&](const cJSON& root) {
+                                 auto read = std::make_unique<qm_waypoint_list_t>();
+                                 // The page is the one asked for unless the reply says otherwise.
+                                 read->page_num = page_num;
+                                 read->page_size = page_size;
+                                 copy_text(read->vague_search, vague_search);
+                                 ObjectReader(&root).integer("page_num", read->page_num);
+                                 ObjectReader(&root).integer("page_size", read->page_size);
+                                 ObjectReader(&root).text("vague_search", read->vague_search);
+                                 ObjectReader in(&root);
+                                 in.integer("total_size", read->total_size)
+                                     .list("list", read->points_list, read->list_len, read_waypoint);
+                                 if (int rc = in.result(caller)) return rc;
+                                 if (point_list) *point_list = *read;
+                                 return 0;
+                             });
 }
 
 }  // extern "C"
