@@ -410,7 +410,8 @@ int qm_get_DH_data(qm_robot_handle* handle, qm_dh_t* dh);
  * non-zero, written beside it); err_line gets -1, or the line the controller refused.
  * -4 the wrapped file's name cannot be formed, -5 the file cannot be read, -6 a generation-4 controller. */
 int qm_send_project(qm_robot_handle* handle, qm_send_project_t project, int* err_line);
-/* Uploads data_len bytes of project text as they are; err_line as for qm_send_project. */
+/* Uploads data_len bytes of project text as they are; err_line as for qm_send_project.
+ * 1 for a NULL data with a non-zero length. */
 int qm_send_project_lock(qm_robot_handle* handle, const char* data, int data_len, int* err_line);
 /* Announces an upload of file_size bytes under the project_path's name; the upload's first step. */
 int qm_run_project(qm_robot_handle* handle, qm_send_project_t project, int file_size);

@@ -2,9 +2,11 @@
 // controller's verdict.
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <chrono>
 #include <climits>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 #include <string>
 
