@@ -23,6 +23,7 @@
 #include <initializer_list>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "mio_json.h"
@@ -75,6 +76,8 @@ void pose_from6(const int* values, qm_pose_t& pose);
 class Request {
 public:
     explicit Request(const char* command);
+    // "command" followed by integer members in order.
+    Request(const char* command, std::initializer_list<std::pair<const char*, int>> integers);
     // A request that sends nothing: the exchange only waits for a reply.
     static Request nothing();
 
@@ -163,6 +166,9 @@ int send_set(const char* caller, qm_robot_handle* handle, const Request& req, co
 int send_query(const char* caller, qm_robot_handle* handle, const Request& req, const Reply& reply,
                std::span<KeyValue> table);
 
+// A reply parsed whole; null after logging "Error parsing JSON" when it does not parse.
+JsonPtr parse_reply(const char* text);
+
 // Key-table entries.
 KeyValue int_member(const char* key);
 KeyValue array_member(const char* key, int size);
@@ -188,6 +194,8 @@ struct MemberCopy {
 
 // The members in order; 0, or -3 at the first missing or mistyped one (the earlier ones are written).
 int copy_members(const char* caller, const cJSON* scope, std::initializer_list<MemberCopy> members);
+// The array member `key` of `scope`; null, logged as common_json_parse logs it, when missing or no array.
+const cJSON* array_item(const char* caller, const cJSON* scope, const char* key);
 
 // ---- integer members and arrays ----
 // Stores element i of a parsed integer array (only i below the array's length is passed).

@@ -39,6 +39,10 @@ void pose_from6(const int* values, qm_pose_t& pose) {
 
 Request::Request(const char* command) { str("command", command); }
 
+Request::Request(const char* command, std::initializer_list<std::pair<const char*, int>> integers) : Request(command) {
+    for (const auto& [key, value] : integers) integer(key, value);
+}
+
 Request Request::nothing() { return Request(); }
 
 Request::Member& Request::add(JsonValueType type, const char* key) {
@@ -174,6 +178,25 @@ KeyValue array_member(const char* key, int size) { return member(JSON_ARRAY, key
 KeyValue bool_member(const char* key) { return member(JSON_BOOL, key); }
 KeyValue str_member(const char* key) { return member(JSON_STRING, key); }
 KeyValue object_member(const char* key) { return member(JSON_OBJECT, key); }
+
+const cJSON* array_item(const char* caller, const cJSON* scope, const char* key) {
+    const cJSON* item = MIO_JSON_GetObjectItem(scope, key);
+    if (!item) {
+        qm_log_error("[%s] %s parsing error\n", caller, key);
+        return nullptr;
+    }
+    if (!cJSON_IsArray(item)) {
+        qm_log_error("[%s] %s is not an array\n", caller, key);
+        return nullptr;
+    }
+    return item;
+}
+
+JsonPtr parse_reply(const char* text) {
+    JsonPtr root = json_parse(text);
+    if (!root) qm_log_error("Error parsing JSON\n");
+    return root;
+}
 
 int copy_members(const char* caller, const cJSON* scope, std::initializer_list<MemberCopy> members) {
     for (const MemberCopy& m : members) {

@@ -14,9 +14,8 @@ int qm_get_controller_state(qm_robot_handle* handle, float* voltage, float* curr
 }
 
 int qm_set_arm_power(qm_robot_handle* handle, int arm_power) {
-    Request req("set_arm_power");
-    req.integer("arm_power", arm_power);
-    return send_set(__func__, handle, req, Reply("set_arm_power", "arm_power"));
+    return send_set(__func__, handle, Request("set_arm_power", {{"arm_power", arm_power}}),
+                    Reply("set_arm_power", "arm_power"));
 }
 
 int qm_get_arm_power_state(qm_robot_handle* handle, int* power_state) {
@@ -30,7 +29,8 @@ int qm_get_system_runtime(qm_robot_handle* handle, int* day, int* hour, int* min
 }
 
 int qm_clear_system_runtime(qm_robot_handle* handle) {
-    return send_set(__func__, handle, Request("clear_system_runtime"), Reply("clear_system_runtime", "clear_state"));
+    return send_set(__func__, handle, Request("clear_system_runtime"),
+                    Reply("clear_system_runtime", "clear_state"));
 }
 
 // The odometer counts travel as they are: the controller's unit, unscaled.

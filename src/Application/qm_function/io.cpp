@@ -10,7 +10,9 @@ namespace {
 constexpr int kLastIoPort = 4;
 constexpr int kRealTimeMode = 14;
 
-bool valid_port(int io_num) { return io_num >= 0 && io_num <= kLastIoPort; }
+bool valid_port(int io_num) {
+    return io_num >= 0 && io_num <= kLastIoPort;
+}
 
 // A rejected argument is 1, like a refusal, and nothing is sent (intended).
 int reject_arguments() {
@@ -43,15 +45,13 @@ int prase_get_IO_state(const char* json_str, qm_io_get_t& config) {
 
 // The port commands: "IO_Num" and "state", judged on "set_state".
 int set_port(const char* caller, qm_robot_handle* handle, const char* command, int io_num, int state) {
-    Request req(command);
-    req.integer("IO_Num", io_num).integer("state", state);
-    return send_set(caller, handle, req, Reply(command, "set_state"));
+    return send_set(caller, handle, Request(command, {{"IO_Num", io_num}, {"state", state}}),
+                    Reply(command, "set_state"));
 }
 
 int set_voltage(const char* caller, qm_robot_handle* handle, const char* command, int voltage_type) {
-    Request req(command);
-    req.integer("voltage_type", voltage_type);
-    return send_set(caller, handle, req, Reply(command, "state"));
+    return send_set(caller, handle, Request(command, {{"voltage_type", voltage_type}}),
+                    Reply(command, "state"));
 }
 
 int get_voltage(const char* caller, qm_robot_handle* handle, const char* command, const char* reply_key,
@@ -67,9 +67,9 @@ extern "C" {
 // ---- controller IO ----
 
 int qm_set_IO_mode(qm_robot_handle* handle, int io_num, qm_io_config_t config) {
-    if (config.io_mode < 0 || config.io_mode > kRealTimeMode || !valid_port(io_num)) return reject_arguments();
-    Request req("set_IO_mode");
-    req.integer("IO_Num", io_num).integer("IO_mode", config.io_mode);
+    if (config.io_mode < 0 || config.io_mode > kRealTimeMode || !valid_port(io_num))
+        return reject_arguments();
+    Request req("set_IO_mode", {{"IO_Num", io_num}, {"IO_mode", config.io_mode}});
     if (config.io_mode == kRealTimeMode) {
         JsonPtr realtime(cJSON_CreateObject());
         cJSON_AddNumberToObject(realtime.get(), "speed", config.io_real_time_config_t.speed);
@@ -85,9 +85,8 @@ int qm_set_DO_state(qm_robot_handle* handle, int io_num, int state) {
 
 int qm_get_IO_state(qm_robot_handle* handle, int io_num, qm_io_get_t* config) {
     if (!valid_port(io_num)) return reject_arguments();
-    Request req("get_IO_state");
-    req.integer("IO_Num", io_num);
     std::string text;
+    const Request req("get_IO_state", {{"IO_Num", io_num}});
     if (int rc = exchange(__func__, handle, req, Reply::query("IO_state"), text); rc < 1) return rc;
     return prase_get_IO_state(text.c_str(), *config);
 }

@@ -15,14 +15,12 @@ constexpr std::size_t kMacText = 18;
 // Fills the record member by member, so a malformed reply leaves it partly filled (intended).
 // The channel exists in access-point mode only, ssid and password in every mode but "off".
 int decode_wifi(const char* caller, const char* text, qm_wifi_net_t& net) {
-    JsonPtr root = json_parse(text);
-    if (!root) {
-        qm_log_error("Error parsing JSON\n");
-        return -3;
-    }
+    JsonPtr root = parse_reply(text);
+    if (!root) return -3;
     using M = MemberCopy;
-    if (int rc = copy_members(caller, root.get(), {M::text("ip", net.ip), M::text("mask", net.mask),
-                                                   M::text("mac", net.mac), M::text("mode", net.mode)}))
+    if (int rc = copy_members(caller, root.get(),
+                              {M::text("ip", net.ip), M::text("mask", net.mask), M::text("mac", net.mac),
+                               M::text("mode", net.mode)}))
         return rc;
     if (std::strcmp(net.mode, "ap") == 0) {
         if (int rc = copy_members(caller, root.get(), {M::integer("channel", net.channel)})) return rc;
@@ -65,13 +63,15 @@ int qm_get_wired_net(qm_robot_handle* handle, char* ip, char* mask, char* mac) {
 
 int qm_get_wifi_net(qm_robot_handle* handle, qm_wifi_net_t* wifi_net) {
     std::string text;
-    if (int rc = exchange(__func__, handle, Request("get_wifi_net"), Reply::query("get_wifi_net"), text); rc < 1)
+    if (int rc = exchange(__func__, handle, Request("get_wifi_net"), Reply::query("get_wifi_net"), text);
+        rc < 1)
         return rc;
     return decode_wifi(__func__, text.c_str(), *wifi_net);
 }
 
 int qm_set_net_default(qm_robot_handle* handle) {
-    return send_set(__func__, handle, Request("set_net_default"), Reply("set_net_default", "net_default_state"));
+    return send_set(__func__, handle, Request("set_net_default"),
+                    Reply("set_net_default", "net_default_state"));
 }
 
 int qm_set_wifi_close(qm_robot_handle* handle) {

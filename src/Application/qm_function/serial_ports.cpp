@@ -18,11 +18,8 @@ struct Rs485Item {
 // timeout) is sent only in Modbus RTU mode; without it the earlier members are still delivered.
 // The outputs are written only on success.
 int parse_rs485(const char* text, std::span<const Rs485Item> items) {
-    JsonPtr root = json_parse(text);
-    if (!root) {
-        qm_log_error("Error parsing JSON\n");
-        return -3;
-    }
+    JsonPtr root = parse_reply(text);
+    if (!root) return -3;
     int values[3] = {};
     std::size_t parsed = 0;
     for (; parsed < items.size() && parsed < std::size(values); ++parsed) {
@@ -51,22 +48,21 @@ int read_port_mode(const char* caller, qm_robot_handle* handle, const char* comm
 }
 
 int set_port_mode(const char* caller, qm_robot_handle* handle, const char* command, int mode, int baudrate) {
-    Request req(command);
-    req.integer("mode", mode).integer("baudrate", baudrate);
-    return send_set(caller, handle, req, Reply(command, "set_state"));
+    return send_set(caller, handle, Request(command, {{"mode", mode}, {"baudrate", baudrate}}),
+                    Reply(command, "set_state"));
 }
 
 int set_baudrate(const char* caller, qm_robot_handle* handle, const char* command, int baudrate) {
-    Request req(command);
-    req.integer("baudrate", baudrate);
-    return send_only(caller, handle, req, kUnansweredHold);
+    return send_only(caller, handle, Request(command, {{"baudrate", baudrate}}), kUnansweredHold);
 }
 
 }  // namespace
 
 extern "C" {
 
-int qm_set_usb(qm_robot_handle* handle, int baudrate) { return set_baudrate(__func__, handle, "set_usb", baudrate); }
+int qm_set_usb(qm_robot_handle* handle, int baudrate) {
+    return set_baudrate(__func__, handle, "set_usb", baudrate);
+}
 
 int qm_set_RS485(qm_robot_handle* handle, int baudrate) {
     return set_baudrate(__func__, handle, "set_RS485", baudrate);
