@@ -174,8 +174,6 @@ KeyValue int_member(const char* key);
 KeyValue array_member(const char* key, int size);
 KeyValue bool_member(const char* key);
 KeyValue str_member(const char* key);
-// Any member, handed out as a copy in value.sub_json (the caller releases it).
-KeyValue object_member(const char* key);
 
 // ---- members copied straight into a caller's record ----
 // For texts that outgrow the key table's value area and for nested replies: each member goes to

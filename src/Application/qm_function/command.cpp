@@ -177,7 +177,6 @@ KeyValue int_member(const char* key) { return member(JSON_INT, key); }
 KeyValue array_member(const char* key, int size) { return member(JSON_ARRAY, key, size); }
 KeyValue bool_member(const char* key) { return member(JSON_BOOL, key); }
 KeyValue str_member(const char* key) { return member(JSON_STRING, key); }
-KeyValue object_member(const char* key) { return member(JSON_OBJECT, key); }
 
 const cJSON* array_item(const char* caller, const cJSON* scope, const char* key) {
     const cJSON* item = MIO_JSON_GetObjectItem(scope, key);

@@ -8,9 +8,9 @@
 namespace {
 
 // Sizes of the caller's text buffers, as in qm_wifi_net_t.
-constexpr std::size_t kIpText = 16;
-constexpr std::size_t kMaskText = 16;
-constexpr std::size_t kMacText = 18;
+constexpr std::size_t kIpText = sizeof(qm_wifi_net_t::ip);
+constexpr std::size_t kMaskText = sizeof(qm_wifi_net_t::mask);
+constexpr std::size_t kMacText = sizeof(qm_wifi_net_t::mac);
 
 // Fills the record member by member, so a malformed reply leaves it partly filled (intended).
 // The channel exists in access-point mode only, ssid and password in every mode but "off".
