@@ -84,7 +84,7 @@ private:
 };
 
 // A query whose reply has structure. An exchange result below 1 is returned; a reply that
-// does not parse gives -3 ("Error parsing JSON"); otherwise the result of `decode`.
+// does not parse gives -3 (parse_reply); otherwise the result of `decode`.
 int send_query_object(const char* caller, qm_robot_handle* handle, const Request& req, const Reply& reply,
                       const std::function<int(const cJSON& root)>& decode);
 

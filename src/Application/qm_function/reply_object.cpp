@@ -103,10 +103,6 @@ int send_query_object(const char* caller, qm_robot_handle* handle, const Request
                       const std::function<int(const cJSON& root)>& decode) {
     std::string text;
     if (int rc = exchange(caller, handle, req, reply, text); rc < 1) return rc;
-    JsonPtr root = json_parse(text.c_str());
-    if (!cJSON_IsObject(root.get())) {
-        qm_log_error("Error parsing JSON\n");
-        return -3;
-    }
-    return decode(*root);
+    JsonPtr root = parse_reply(text.c_str());
+    return root ? decode(*root) : -3;
 }
