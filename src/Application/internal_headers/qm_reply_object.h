@@ -12,6 +12,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <span>
 
 #include "mio_json.h"
@@ -70,9 +71,15 @@ public:
             true);
     }
 
+    // "page_num", "page_size", "total_size" and "vague_search" of one page of a stored list.
+    ObjectReader& page(int& page_num, int& page_size, int& total_size, char (&vague_search)[32]);
+
+    bool has(const char* key) const { return MIO_JSON_GetObjectItem(object_, key) != nullptr; }
     bool ok() const { return failed_ == nullptr; }
     // 0, or -3 after logging which member failed ("[caller] key parsing error").
     int result(const char* caller) const;
+    // 0, or -3 after logging `failure`, a message whose one argument is the caller.
+    int result(const char* caller, const char* failure) const;
 
 private:
     const cJSON* member(const char* key, cJSON_bool (*is)(const cJSON*));
@@ -87,5 +94,21 @@ private:
 // does not parse gives -3 (parse_reply); otherwise the result of `decode`.
 int send_query_object(const char* caller, qm_robot_handle* handle, const Request& req, const Reply& reply,
                       const std::function<int(const cJSON& root)>& decode);
+
+// A query read into one record: `read(ObjectReader&, Record&)` fills a fresh record, which reaches
+// `out` (when given) only when every member was read. 0, the exchange's code, or -3 after
+// logging `failure` (with the caller) or, without one, the member that failed.
+template <class Record, class Read>
+int query_record(const char* caller, qm_robot_handle* handle, const Request& req, const Reply& reply,
+                 Record* out, Read read, const char* failure = nullptr) {
+    return send_query_object(caller, handle, req, reply, [&](const cJSON& root) {
+        auto record = std::make_unique<Record>();  // the lists are large
+        ObjectReader in(&root);
+        read(in, *record);
+        if (int rc = failure ? in.result(caller, failure) : in.result(caller)) return rc;
+        if (out) *out = *record;
+        return 0;
+    });
+}
 
 #endif

@@ -88,8 +88,7 @@ constexpr ZoneWrite kWall{"set_virtual_wall_config", "set_config", false, form_b
                           refuse_wall};
 
 // A refused form sends nothing.
-int write_zone(const char* caller, qm_robot_handle* handle, const ZoneWrite& row,
-               qm_fence_config_t zone) {
+int write_zone(const char* caller, qm_robot_handle* handle, const ZoneWrite& row, qm_fence_config_t zone) {
     if (!row.takes(zone.form)) {
         row.refuse(zone.form);
         return -4;
@@ -113,8 +112,8 @@ int read_zone_query(const char* caller, qm_robot_handle* handle, const Request& 
             return 1;
         }
         qm_fence_config_t read{};
-        ObjectReader(&root).text("form_name", read.name);
         ObjectReader in(&root);
+        if (in.has("form_name")) in.text("form_name", read.name);
         read_zone(in, read);
         if (int rc = in.result(caller)) return rc;
         if (out) *out = read;
@@ -193,19 +192,14 @@ int qm_get_given_electronic_fence_config(qm_robot_handle* handle, const char* gi
 
 int qm_get_electronic_fence_list_infos(qm_robot_handle* handle, qm_fence_config_list_t* config_list,
                                        int* len) {
-    const char* caller = __func__;
-    const Request req("get_electronic_fence_list_infos");
     const Reply reply = Reply::query("get_electronic_fence_list_infos").buffer(2048);
-    return send_query_object(caller, handle, req, reply, [&](const cJSON& root) {
-        qm_fence_config_list_t read{};
-        int count = 0;
-        ObjectReader in(&root);
-        in.list("info_list", read.config, count, read_named_zone);
-        if (int rc = in.result(caller)) return rc;
-        if (config_list) *config_list = read;
-        if (len) *len = count;
-        return 0;
-    });
+    int count = 0;
+    const int rc = query_record(__func__, handle, Request("get_electronic_fence_list_infos"), reply,
+                                config_list, [&](ObjectReader& in, qm_fence_config_list_t& list) {
+                                    in.list("info_list", list.config, count, read_named_zone);
+                                });
+    if (rc == 0 && len) *len = count;
+    return rc;
 }
 
 int qm_set_electronic_fence_enable(qm_robot_handle* handle, qm_electronic_fence_enable_t state) {

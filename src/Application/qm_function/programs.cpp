@@ -15,6 +15,40 @@ namespace {
 using namespace std::chrono_literals;
 using std::chrono::milliseconds;
 
+// ---- replies ----
+
+void read_program_list(ObjectReader& in, qm_program_trajectorys_t& list) {
+    int listed = 0;
+    in.page(list.page_num, list.page_size, list.list_size, list.vague_search)
+        .list("list", list.trajectory_list, listed, [](ObjectReader& item, qm_trajectory_data_t& program) {
+            item.integer("id", program.id)
+                .text("trajectory_name", program.trajectory_name)
+                .integer("size", program.size)
+                .integer("speed", program.speed);
+        });
+}
+
+// The number of loops is the length of "loop_num".
+void read_run_state(ObjectReader& in, qm_program_run_state_t& state) {
+    in.integer("run_state", state.run_state)
+        .integer("id", state.id)
+        .integer("edit_id", state.edit_id)
+        .integer("plan_num", state.plan_num)
+        .integer("step_mode", state.step_mode)
+        .integer("plan_speed", state.plan_speed)
+        .ints("loop_num", state.loop_num, &state.total_loop)
+        .ints("loop_cont", state.loop_cont);
+}
+
+void read_flowchart_state(ObjectReader& in, qm_flowchart_run_state_t& state) {
+    in.integer("run_state", state.run_state)
+        .integer("id", state.id)
+        .text("name", state.name)
+        .integer("plan_speed", state.plan_speed)
+        .integer("step_mode", state.step_mode)
+        .text("modal_id", state.modal_id);
+}
+
 // ---- the wait for a program's end ----
 
 constexpr const char* kFinishKey = "program_run_finish";
@@ -105,75 +139,21 @@ int qm_set_plan_speed(qm_robot_handle* handle, int speed) {
 
 int qm_get_program_trajectory_list(qm_robot_handle* handle, int page_num, int page_size,
                                    const char* vague_search, qm_program_trajectorys_t* trajectorys) {
-    const char* caller = __func__;
     const Request req = page_request("get_program_trajectory_list", page_num, page_size, vague_search);
-    return send_query_object(caller, handle, req, page_reply("get_program_trajectory_list"),
-                             [&](const cJSON& root) {
-                                 qm_program_trajectorys_t read{};
-                                 int listed = 0;
-                                 ObjectReader in(&root);
-                                 in.integer("page_num", read.page_num)
-                                     .integer("page_size", read.page_size)
-                                     .integer("total_size", read.list_size)
-                                     .text("vague_search", read.vague_search)
-                                     .list("list", read.trajectory_list, listed,
-                                           [](ObjectReader& item, qm_trajectory_data_t& program) {
-                                               item.integer("id", program.id)
-                                                   .text("trajectory_name", program.trajectory_name)
-                                                   .integer("size", program.size)
-                                                   .integer("speed", program.speed);
-                                           });
-                                 if (!in.ok()) {
-                                     qm_log_error("[%s] get program trajectory list parser error!\n", caller);
-                                     return -3;
-                                 }
-                                 if (trajectorys) *trajectorys = read;
-                                 return 0;
-                             });
+    return query_record(__func__, handle, req, page_reply("get_program_trajectory_list"), trajectorys,
+                        read_program_list, "[%s] get program trajectory list parser error!\n");
 }
 
 int qm_get_program_run_state(qm_robot_handle* handle, qm_program_run_state_t* run_state) {
-    const char* caller = __func__;
-    return send_query_object(caller, handle, Request("get_program_run_state"),
-                             page_reply("get_program_run_state"), [&](const cJSON& root) {
-                                 qm_program_run_state_t read{};
-                                 ObjectReader in(&root);
-                                 in.integer("run_state", read.run_state)
-                                     .integer("id", read.id)
-                                     .integer("edit_id", read.edit_id)
-                                     .integer("plan_num", read.plan_num)
-                                     .integer("step_mode", read.step_mode)
-                                     .integer("plan_speed", read.plan_speed)
-                                     .ints("loop_num", read.loop_num, &read.total_loop)
-                                     .ints("loop_cont", read.loop_cont);
-                                 if (!in.ok()) {
-                                     qm_log_error("[%s] get program run state parser error!\n", caller);
-                                     return -3;
-                                 }
-                                 if (run_state) *run_state = read;
-                                 return 0;
-                             });
+    return query_record(__func__, handle, Request("get_program_run_state"),
+                        page_reply("get_program_run_state"), run_state, read_run_state,
+                        "[%s] get program run state parser error!\n");
 }
 
 int qm_get_flowchart_program_run_state(qm_robot_handle* handle, qm_flowchart_run_state_t* run_state) {
-    const char* caller = __func__;
-    return send_query_object(caller, handle, Request("get_flowchart_program_run_state"),
-                             Reply::query("get_flowchart_program_run_state"), [&](const cJSON& root) {
-                                 qm_flowchart_run_state_t read{};
-                                 ObjectReader in(&root);
-                                 in.integer("run_state", read.run_state)
-                                     .integer("id", read.id)
-                                     .text("name", read.name)
-                                     .integer("plan_speed", read.plan_speed)
-                                     .integer("step_mode", read.step_mode)
-                                     .text("modal_id", read.modal_id);
-                                 if (!in.ok()) {
-                                     qm_log_error("[%s] get flowchart run state parser error!\n", caller);
-                                     return -3;
-                                 }
-                                 if (run_state) *run_state = read;
-                                 return 0;
-                             });
+    return query_record(__func__, handle, Request("get_flowchart_program_run_state"),
+                        Reply::query("get_flowchart_program_run_state"), run_state, read_flowchart_state,
+                        "[%s] get flowchart run state parser error!\n");
 }
 
 int qm_delete_program_trajectory(qm_robot_handle* handle, int id) {

@@ -87,6 +87,19 @@ ObjectReader& ObjectReader::each(const char* key, int max, int& count,
     return *this;
 }
 
+ObjectReader& ObjectReader::page(int& page_num, int& page_size, int& total_size, char (&vague_search)[32]) {
+    return integer("page_num", page_num)
+        .integer("page_size", page_size)
+        .integer("total_size", total_size)
+        .text("vague_search", vague_search);
+}
+
+int ObjectReader::result(const char* caller, const char* failure) const {
+    if (ok()) return 0;
+    qm_log_error(failure, caller);
+    return -3;
+}
+
 int ObjectReader::result(const char* caller) const {
     if (ok()) return 0;
     qm_log_error("[%s] %s parsing error\n", caller, failed_);

@@ -19,26 +19,17 @@ extern "C" {
 
 int qm_get_trajectory_file_list(qm_robot_handle* handle, int page_num, int page_size,
                                 const char* vague_search, qm_trajectory_list_t* trajectory_list) {
-    const char* caller = __func__;
     const Request req = page_request("get_trajectory_file_list", page_num, page_size, vague_search);
-    return send_query_object(caller, handle, req, page_reply("get_trajectory_file_list"),
-                             [&](const cJSON& root) {
-                                 qm_trajectory_list_t read{};
-                                 ObjectReader in(&root);
-                                 in.integer("page_num", read.page_num)
-                                     .integer("page_size", read.page_size)
-                                     .integer("total_size", read.total_size)
-                                     .text("vague_search", read.vague_search)
-                                     .list("list", read.tra_list, read.list_len,
-                                           [](ObjectReader& item, qm_trajectory_info_t& file) {
-                                               item.text("name", file.name)
-                                                   .text("create_time", file.create_time)
-                                                   .integer("point_num", file.point_num);
-                                           });
-                                 if (int rc = in.result(caller)) return rc;
-                                 if (trajectory_list) *trajectory_list = read;
-                                 return 0;
-                             });
+    return query_record(__func__, handle, req, page_reply("get_trajectory_file_list"), trajectory_list,
+                        [](ObjectReader& in, qm_trajectory_list_t& list) {
+                            in.page(list.page_num, list.page_size, list.total_size, list.vague_search)
+                                .list("list", list.tra_list, list.list_len,
+                                      [](ObjectReader& item, qm_trajectory_info_t& file) {
+                                          item.text("name", file.name)
+                                              .text("create_time", file.create_time)
+                                              .integer("point_num", file.point_num);
+                                      });
+                        });
 }
 
 int qm_set_run_trajectory(qm_robot_handle* handle, const char* trajectory_name) {

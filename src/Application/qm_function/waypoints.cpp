@@ -1,6 +1,5 @@
 // Global waypoints: named joint and pose targets stored on the controller.
 #include <algorithm>
-#include <memory>
 #include <string>
 
 #include "qm_command.h"
@@ -70,41 +69,26 @@ int qm_delete_global_waypoint(qm_robot_handle* handle, const char* point_name) {
 }
 
 int qm_get_given_global_waypoint(qm_robot_handle* handle, const char* name, qm_waypoint_t* point) {
-    const char* caller = __func__;
     Request req("given_global_waypoint");
     req.str("point_name", name);
-    return send_query_object(caller, handle, req, Reply::query("given_global_waypoint"),
-                             [&](const cJSON& root) {
-                                 qm_waypoint_t read{};
-                                 ObjectReader in(&root);
-                                 read_waypoint(in, read);
-                                 if (int rc = in.result(caller)) return rc;
-                                 if (point) *point = read;
-                                 return 0;
-                             });
+    return query_record(__func__, handle, req, Reply::query("given_global_waypoint"), point, read_waypoint);
 }
 
+// The page is the one asked for unless the reply says otherwise.
 int qm_get_global_waypoints_list(qm_robot_handle* handle, int page_num, int page_size,
                                  const char* vague_search, qm_waypoint_list_t* point_list) {
-    const char* caller = __func__;
     const Request req = page_request("get_global_waypoints_list", page_num, page_size, vague_search);
-    return send_query_object(caller, handle, req, page_reply("get_global_waypoints_list"),
-                             [&](const cJSON& root) {
-                                 auto read = std::make_unique<qm_waypoint_list_t>();
-                                 // The page is the one asked for unless the reply says otherwise.
-                                 read->page_num = page_num;
-                                 read->page_size = page_size;
-                                 copy_text(read->vague_search, vague_search);
-                                 ObjectReader(&root).integer("page_num", read->page_num);
-                                 ObjectReader(&root).integer("page_size", read->page_size);
-                                 ObjectReader(&root).text("vague_search", read->vague_search);
-                                 ObjectReader in(&root);
-                                 in.integer("total_size", read->total_size)
-                                     .list("list", read->points_list, read->list_len, read_waypoint);
-                                 if (int rc = in.result(caller)) return rc;
-                                 if (point_list) *point_list = *read;
-                                 return 0;
-                             });
+    return query_record(__func__, handle, req, page_reply("get_global_waypoints_list"), point_list,
+                        [&](ObjectReader& in, qm_waypoint_list_t& list) {
+                            list.page_num = page_num;
+                            list.page_size = page_size;
+                            copy_text(list.vague_search, vague_search);
+                            if (in.has("page_num")) in.integer("page_num", list.page_num);
+                            if (in.has("page_size")) in.integer("page_size", list.page_size);
+                            if (in.has("vague_search")) in.text("vague_search", list.vague_search);
+                            in.integer("total_size", list.total_size)
+                                .list("list", list.points_list, list.list_len, read_waypoint);
+                        });
 }
 
 }  // extern "C"
