@@ -185,6 +185,10 @@ int send_only(const char* caller, qm_robot_handle* handle, const Request& req, s
 // A set command: an exchange result below 1 is returned, else the judgement of reply.checked
 // (0 true, 1 false, -3 missing or unparsable).
 int send_set(const char* caller, qm_robot_handle* handle, const Request& req, const Reply& reply);
+// A set command answered under its own name within the query timeout, `checked` judged.
+inline int send_set_quick(const char* caller, qm_robot_handle* handle, const Request& req, const char* checked) {
+    return send_set(caller, handle, req, Reply(req.command(), checked).with_query_timeout());
+}
 // send_set when `reply` is given; without, the request is only sent and the exchange held
 // for `pause` (the send result).
 int send_set_or_only(const char* caller, qm_robot_handle* handle, const Request& req,

@@ -16,10 +16,6 @@ using namespace std::chrono_literals;
 
 constexpr std::chrono::milliseconds kSendPause = 10ms;
 
-int set_default(const char* caller, qm_robot_handle* handle, const Request& req, const char* checked) {
-    return send_set(caller, handle, req, Reply(req.command(), checked).with_query_timeout());
-}
-
 bool six_axis(qm_force_type_e type) {
     return type == QM_MODEL_QM_SF_E || type == QM_MODEL_QM_ISF_E;
 }
@@ -40,11 +36,11 @@ extern "C" {
 int qm_start_drag_teach(qm_robot_handle* handle, int trajectory_record) {
     Request req("start_drag_teach");
     req.integer("trajectory_record", trajectory_record);
-    return set_default(__func__, handle, req, "drag_teach");
+    return send_set_quick(__func__, handle, req, "drag_teach");
 }
 
 int qm_stop_drag_teach(qm_robot_handle* handle) {
-    return set_default(__func__, handle, Request("stop_drag_teach"), "drag_teach");
+    return send_set_quick(__func__, handle, Request("stop_drag_teach"), "drag_teach");
 }
 
 // Refused with 1, the refusal code, on an arm without six-axis sensing (intended), and silently
@@ -61,7 +57,7 @@ int qm_start_multi_drag_teach(qm_robot_handle* handle, int mode, int singular_wa
     if (info->robot_controller_version != 4) return -4;
     Request req("start_multi_drag_teach");
     req.integer("mode", mode).integer("singular_wall", singular_wall);
-    return set_default(__func__, handle, req, "set_state");
+    return send_set_quick(__func__, handle, req, "set_state");
 }
 
 // Without six-axis sensing only the frame goes out, with a warning.
@@ -76,7 +72,7 @@ int qm_start_multi_drag_teach_new(qm_robot_handle* handle, qm_multi_drag_teach_t
         qm_log_warn(
             "Non-six-dimensional force version, The configuration for singular_wall and the values in "
             "free_axes array are invalid.\n");
-    return set_default(__func__, handle, req, "set_state");
+    return send_set_quick(__func__, handle, req, "set_state");
 }
 
 int qm_set_drag_teach_sensitivity(qm_robot_handle* handle, int grade) {
@@ -139,13 +135,13 @@ int qm_run_drag_trajectory(qm_robot_handle* handle, int timeout) {
 }
 
 int qm_pause_drag_trajectory(qm_robot_handle* handle) {
-    return set_default(__func__, handle, Request("pause_drag_trajectory"), "pause_state");
+    return send_set_quick(__func__, handle, Request("pause_drag_trajectory"), "pause_state");
 }
 int qm_continue_drag_trajectory(qm_robot_handle* handle) {
-    return set_default(__func__, handle, Request("continue_drag_trajectory"), "continue_state");
+    return send_set_quick(__func__, handle, Request("continue_drag_trajectory"), "continue_state");
 }
 int qm_stop_drag_trajectory(qm_robot_handle* handle) {
-    return set_default(__func__, handle, Request("stop_drag_trajectory"), "stop_state");
+    return send_set_quick(__func__, handle, Request("stop_drag_trajectory"), "stop_state");
 }
 
 }  // extern "C"

@@ -23,10 +23,6 @@ int calibrate(const char* caller, qm_robot_handle* handle, const Request& req, b
     return send_set_or_only(caller, handle, req, end, 10ms);
 }
 
-int set_default(const char* caller, qm_robot_handle* handle, const char* command, const char* checked) {
-    return send_set(caller, handle, Request(command), Reply(command, checked).with_query_timeout());
-}
-
 }  // namespace
 
 extern "C" {
@@ -43,7 +39,7 @@ int qm_get_force_data(qm_robot_handle* handle, qm_force_data_t* data) {
 }
 
 int qm_clear_force_data(qm_robot_handle* handle) {
-    return set_default(__func__, handle, "clear_force_data", "clear_state");
+    return send_set_quick(__func__, handle, Request("clear_force_data"), "clear_state");
 }
 
 int qm_set_force_sensor(qm_robot_handle* handle, bool block) {
@@ -61,7 +57,7 @@ int qm_manual_set_force(qm_robot_handle* handle, int count, float* joint, bool b
 }
 
 int qm_stop_set_force_sensor(qm_robot_handle* handle) {
-    return set_default(__func__, handle, "stop_set_force_sensor", "stop_state");
+    return send_set_quick(__func__, handle, Request("stop_set_force_sensor"), "stop_state");
 }
 
 // ---- one-axis sensor ----
@@ -81,7 +77,7 @@ int qm_get_Fz(qm_robot_handle* handle, qm_fz_data_t* data) {
 }
 
 int qm_clear_Fz(qm_robot_handle* handle) {
-    return set_default(__func__, handle, "clear_Fz", "set_state");
+    return send_set_quick(__func__, handle, Request("clear_Fz"), "set_state");
 }
 
 int qm_auto_set_Fz(qm_robot_handle* handle, bool block) {

@@ -11,10 +11,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-int set_default(const char* caller, qm_robot_handle* handle, const Request& req, const char* checked) {
-    return send_set(caller, handle, req, Reply(req.command(), checked).with_query_timeout());
-}
-
 // The members of a single-direction move that follow a joint target or precede a pose target.
 // The force loses its fraction before scaling: intended.
 Request& add_single_direction(Request& req, int sensor, int mode, int dir, float force, bool follow) {
@@ -44,7 +40,7 @@ int qm_set_force_position(qm_robot_handle* handle, int sensor, int mode, int dir
         .integer("mode", mode)
         .integer("direction", direction)
         .integer("N", wire::truncated_tenths(N));
-    return set_default(__func__, handle, req, "set_state");
+    return send_set_quick(__func__, handle, req, "set_state");
 }
 
 int qm_set_force_position_new(qm_robot_handle* handle, qm_force_position_t param) {
@@ -54,18 +50,18 @@ int qm_set_force_position_new(qm_robot_handle* handle, qm_force_position_t param
         .ints("desired_force", wire::each(param.desired_force, wire::tenths))
         .ints("control_mode", param.control_mode)
         .ints("limit_vel", wire::each(param.limit_vel, wire::thousandths));
-    return set_default(__func__, handle, req, "set_state");
+    return send_set_quick(__func__, handle, req, "set_state");
 }
 
 int qm_stop_force_position(qm_robot_handle* handle) {
-    return set_default(__func__, handle, Request("stop_force_position"), "stop_state");
+    return send_set_quick(__func__, handle, Request("stop_force_position"), "stop_state");
 }
 
 int qm_start_force_position_move(qm_robot_handle* handle) {
-    return set_default(__func__, handle, Request("Start_Force_Position_Move"), "set_state");
+    return send_set_quick(__func__, handle, Request("Start_Force_Position_Move"), "set_state");
 }
 int qm_stop_force_position_move(qm_robot_handle* handle) {
-    return set_default(__func__, handle, Request("Stop_Force_Position_Move"), "set_state");
+    return send_set_quick(__func__, handle, Request("Stop_Force_Position_Move"), "set_state");
 }
 
 int qm_force_position_move_joint(qm_robot_handle* handle, const float* joint, int sensor, int mode, int dir,

@@ -28,15 +28,14 @@ constexpr Axis kExpand{"expand_set_speed", "set_speed_state",  "expand_set_pos",
 int set_speed(const char* caller, qm_robot_handle* handle, const Axis& axis, int speed) {
     Request req(axis.speed_command);
     req.integer("speed", speed);
-    return send_set(caller, handle, req, Reply(axis.speed_command, axis.speed_checked).with_query_timeout());
+    return send_set_quick(caller, handle, req, axis.speed_checked);
 }
 
 // A refused move is returned even when blocking: nothing would arrive.
 int move(const char* caller, qm_robot_handle* handle, const Axis& axis, int speed, int target, int block) {
     Request req(axis.move_command);
     req.integer("speed", speed).integer(axis.target_member, target).boolean("block", block != 0);
-    const int accepted =
-        send_set(caller, handle, req, Reply(axis.move_command, axis.move_checked).with_query_timeout());
+    const int accepted = send_set_quick(caller, handle, req, axis.move_checked);
     if (accepted != 0 || block == 0) return accepted;
     // The axis reports its own motion in its state's mode; an arrival of another device is
     // passed over while the axis may still move and refused once it stands.
