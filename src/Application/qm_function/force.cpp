@@ -30,7 +30,7 @@ extern "C" {
 // ---- six-axis sensor ----
 
 int qm_get_force_data(qm_robot_handle* handle, qm_force_data_t* data) {
-    return query_dof_arrays(
+    return query_arrays(
         __func__, handle, Request("get_force_data"), Reply::query("get_force_data"),
         {{"force_data", store(data->force_data, wire::from_thousandths), kAxes},
          {"zero_force_data", store(data->zero_force_data, wire::from_thousandths), kAxes},
@@ -70,10 +70,10 @@ int qm_get_Fz(qm_robot_handle* handle, qm_fz_data_t* data) {
         return -4;
     }
     return query_ints(__func__, handle, Request("get_Fz"), Reply::query("get_Fz"),
-                      {{"Fz", into(data->Fz, wire::from_thousandths)},
-                       {"zero_Fz", into(data->zero_Fz, wire::from_thousandths)},
-                       {"work_zero_Fz", into(data->work_zero_Fz, wire::from_thousandths)},
-                       {"tool_zero_Fz", into(data->tool_zero_Fz, wire::from_thousandths)}});
+                      {{"Fz", store(&data->Fz, wire::from_thousandths)},
+                       {"zero_Fz", store(&data->zero_Fz, wire::from_thousandths)},
+                       {"work_zero_Fz", store(&data->work_zero_Fz, wire::from_thousandths)},
+                       {"tool_zero_Fz", store(&data->tool_zero_Fz, wire::from_thousandths)}});
 }
 
 int qm_clear_Fz(qm_robot_handle* handle) {

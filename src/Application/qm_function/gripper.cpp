@@ -55,13 +55,13 @@ int qm_set_gripper_position(qm_robot_handle* handle, int position, bool block, i
 
 int qm_get_gripper_state(qm_robot_handle* handle, qm_gripper_state_t* state) {
     return query_ints(__func__, handle, Request("get_gripper_state"), Reply::query("get_gripper_state"),
-                      {{"enable", into(state->enable_state)},
-                       {"status", into(state->status)},
-                       {"error", into(state->error)},
-                       {"mode", into(state->mode)},
-                       {"current_force", into(state->current_force)},
-                       {"temperature", into(state->temperature)},
-                       {"actpos", into(state->actpos)}});
+                      {{"enable", store(&state->enable_state)},
+                       {"status", store(&state->status)},
+                       {"error", store(&state->error)},
+                       {"mode", store(&state->mode)},
+                       {"current_force", store(&state->current_force)},
+                       {"temperature", store(&state->temperature)},
+                       {"actpos", store(&state->actpos)}});
 }
 
 }  // extern "C"

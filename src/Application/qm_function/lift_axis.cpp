@@ -52,10 +52,10 @@ int move(const char* caller, qm_robot_handle* handle, const Axis& axis, int spee
 
 int read_state(const char* caller, qm_robot_handle* handle, const Axis& axis, qm_expand_state_t* state) {
     return query_ints(caller, handle, Request(axis.state_command), Reply::query(axis.state_reply),
-                      {{axis.target_member, into(state->pos)},
-                       {"current", into(state->current)},
-                       {"err_flag", into(state->err_flag)},
-                       {"mode", into(state->mode)}});
+                      {{axis.target_member, store(&state->pos)},
+                       {"current", store(&state->current)},
+                       {"err_flag", store(&state->err_flag)},
+                       {"mode", store(&state->mode)}});
 }
 
 }  // namespace
