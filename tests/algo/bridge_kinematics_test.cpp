@@ -80,6 +80,22 @@ TEST_F(BridgeKinematics, QuaternionOutsideTheNormBandIsRefusedBeforeSolving) {
     EXPECT_EQ(qm_algo_inverse_kinematics(nullptr, request(q_, target, 1), out.data()), 0);
 }
 
+TEST_F(BridgeKinematics, EveryNonZeroFlagReadsTheEulerAngles) {
+    qm_pose_t target = qm_algo_forward_kinematics(nullptr, q_.data());
+    target.quaternion = {0, 0, 0, 0};  // only the Euler angles say where the tool points
+    for (const uint8_t flag : {1, 2, 7, 255}) {
+        Joints out{};
+        ASSERT_EQ(qm_algo_inverse_kinematics(nullptr, request(q_, target, flag), out.data()), 0) << int(flag);
+        for (int i = 0; i < 6; ++i) EXPECT_NEAR(out[i], q_[i], 1e-2f) << "flag " << int(flag) << " joint " << i;
+        const qm_inverse_kinematics_all_solve_t all = qm_algo_inverse_kinematics_all(nullptr, request(q_, target, flag));
+        ASSERT_EQ(all.num, 8) << int(flag);
+        const qm_pose_t reached = qm_algo_forward_kinematics(nullptr, all.q_solve[0]);
+        const qm_quat_t want = qm_algo_euler2quaternion(target.euler), got = reached.quaternion;
+        EXPECT_NEAR(std::fabs(want.w * got.w + want.x * got.x + want.y * got.y + want.z * got.z), 1.0f, 1e-5f)
+            << int(flag);
+    }
+}
+
 TEST_F(BridgeKinematics, ReferenceBeyondItsLimitIsRefusedAndUnreachableTargetIsASolverFailure) {
     const qm_pose_t target = qm_algo_forward_kinematics(nullptr, q_.data());
     Joints ref = q_;
