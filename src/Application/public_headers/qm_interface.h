@@ -163,7 +163,8 @@ int qm_algo_inverse_kinematics_qm75_for_arm_angle(const float* q_ref, qm_pose_t 
 qm_pose_t qm_algo_cartesian_tool(qm_robot_handle* handle, const float* curr_joint, float move_lengthx, float move_lengthy, float move_lengthz);
 /* Tool pose after turning rotate_angle degrees about axis 1 X, 2 Y, 3 Z of the frame choose_axis; the position stays. */
 qm_pose_t qm_algo_rotate_move(qm_robot_handle* handle, const float* curr_joint, int rotate_axis, float rotate_angle, qm_pose_t choose_axis);
-/* poseCurrent stepped by deltaPosAndRot (dx, dy, dz m; rx, ry, rz rad) in frame 0 work or 1 tool; other frames give a zero pose. */
+/* poseCurrent stepped by deltaPosAndRot (dx, dy, dz m; rx, ry, rz rad) in frame 0 work or 1 tool; other frames give a
+ * zero pose. A step without rotation returns poseCurrent's Euler angles and quaternion unchanged. */
 qm_pose_t qm_algo_pose_move(qm_robot_handle* handle, qm_pose_t poseCurrent, const float* deltaPosAndRot, int frameMode);
 
 /* ---- arm state and information ---- */
