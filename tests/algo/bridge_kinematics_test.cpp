@@ -96,6 +96,37 @@ TEST_F(BridgeKinematics, EveryNonZeroFlagReadsTheEulerAngles) {
     }
 }
 
+TEST_F(BridgeKinematics, RoundTripsCloseInTheBaseFrameAndThroughTheQuaternionNearNinetyDegreesPitch) {
+    const auto expect_joints = [](const Joints& got, const Joints& want, float tol) {
+        for (int i = 0; i < 6; ++i) EXPECT_NEAR(got[i], want[i], tol) << "joint " << i;
+    };
+    // Forward kinematics reports the pose in the work frame; inverse kinematics wants it in the base.
+    qm_frame_t work{};
+    work.pose.position = {0.1f, -0.2f, 0.05f};
+    work.pose.euler = {0, 0, 0.5f};
+    qm_algo_set_workframe(&work);
+    const qm_pose_t in_work = qm_algo_forward_kinematics(nullptr, q_.data());
+    const qm_pose_t in_base = qm_algo_workframe2base(qm_algo_pos2matrix(work.pose), in_work);
+    Joints out{};
+    ASSERT_EQ(qm_algo_inverse_kinematics(nullptr, request(q_, in_base, 0), out.data()), 0);
+    expect_joints(out, q_, 1e-2f);
+    const qm_frame_t none{};
+    qm_algo_set_workframe(&none);
+
+    // A tool frame that pitches the tool 0.03 degrees short of 90: the Euler angles fold yaw into
+    // roll there, the quaternion stays exact.
+    const qm_pose_t flange = qm_algo_forward_kinematics(nullptr, q_.data());
+    qm_pose_t pitched = flange;
+    pitched.euler = {0.4f, static_cast<float>(M_PI / 2 - 5e-4), 0.7f};
+    qm_frame_t tool{};
+    tool.pose = qm_algo_base2workframe(qm_algo_pos2matrix(flange), pitched);
+    qm_algo_set_toolframe(&tool);
+    const qm_pose_t reported = qm_algo_forward_kinematics(nullptr, q_.data());
+    ASSERT_NEAR(reported.euler.ry, M_PI / 2, 1e-3);
+    ASSERT_EQ(qm_algo_inverse_kinematics(nullptr, request(q_, reported, 0), out.data()), 0);
+    expect_joints(out, q_, 2e-3f);
+}
+
 TEST_F(BridgeKinematics, ReferenceBeyondItsLimitIsRefusedAndUnreachableTargetIsASolverFailure) {
     const qm_pose_t target = qm_algo_forward_kinematics(nullptr, q_.data());
     Joints ref = q_;

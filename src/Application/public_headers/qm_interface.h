@@ -106,10 +106,18 @@ qm_dh_t qm_algo_get_dh(void);
 void qm_algo_set_redundant_parameter_traversal_mode(bool mode);
 /* Loads a connected arm's model, frames, limits, install angles and DH table; NULL changes nothing. */
 void qm_algo_arm_state_set(qm_robot_handle* handle);
-/* Tool pose in the work frame for the joints; an all-zero pose when joint is NULL. */
+/* Tool pose in the work frame for the joints; an all-zero pose when joint is NULL.
+ * The work frame is included here but not in qm_algo_inverse_kinematics, whose target is in the
+ * base frame: with a work frame set, a round trip through both does not close unless the pose is
+ * first converted with qm_algo_workframe2base. Within about 0.1 degrees of +-90 degrees pitch the
+ * Euler angles lose up to 3e-3 rad (yaw is folded into roll); round trips there should pass the
+ * quaternion (flag 0). */
 qm_pose_t qm_algo_forward_kinematics(qm_robot_handle* handle, const float* joint);
 /* Joints reaching params.q_pose nearest params.q_in: 0 solved, 1 no solution,
- * -1 reference outside the joint limits, -2 quaternion not normalised (flag 0). */
+ * -1 reference outside the joint limits, -2 quaternion not normalised (flag 0).
+ * The target is the tool pose in the base frame: the work frame is not applied, although
+ * qm_algo_forward_kinematics applies it. Near +-90 degrees pitch the Euler angles of a pose carry
+ * up to 3e-3 rad less accuracy than its quaternion; use flag 0 there. */
 int qm_algo_inverse_kinematics(qm_robot_handle* handle, qm_inverse_kinematics_params_t params, float* q_out);
 /* Every solution branch for the target, unfiltered, joints in degrees. */
 qm_inverse_kinematics_all_solve_t qm_algo_inverse_kinematics_all(qm_robot_handle* handle, qm_inverse_kinematics_params_t params);

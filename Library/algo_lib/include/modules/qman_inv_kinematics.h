@@ -21,6 +21,8 @@ extern "C" {
 
 /* Joints reaching the tool pose target (base frame; form USE_EULER or USE_QUAT picks the
  * orientation read) nearest q_ref within the limits. q_out is written on success only.
+ * Intended: the work frame is not removed, although forward_kinematics applies it; near +-90
+ * degrees pitch pass USE_QUAT, as the Euler angles there lose up to 3e-3 rad.
  * Result IKINE_SUCCESSFUL, IKINE_FAILED, IKINE_LIMITED or IKINE_UNKNOWN_TYPE. No speed check:
  * callers at the control rate use joint_overspeed_judgment on the result. */
 int inverse_kinematics(const float* q_ref, const Pose* target, float* q_out, int form);

@@ -35,7 +35,9 @@ Matrix forward_kinematics_model(int robot_type, const DH* dh, const float* q);
 Pos forward_kinematics_pos(const float* q);
 /* As forward_kinematics_pos, with the calibration errors added to d, a, alpha and theta (general product). */
 Pos forward_kinematics_pos_calibration(const float* q);
-/* Tool pose in the work frame, W*I*F*T. */
+/* Tool pose in the work frame, W*I*F*T. inverse_kinematics takes its target without W, so with a
+ * work frame set the two do not round-trip; near +-90 degrees pitch the Euler angles of the pose
+ * lose up to 3e-3 rad, so round trips there should go through the quaternion. */
 Pose forward_kinematics(const float* q);
 /* Flange transform in the robot's base frame, F (no installation, no frames). */
 Matrix forward_kinematics_e(const float* q);
