@@ -77,10 +77,12 @@ int inverse_kinematics_lux6(const Matrix* flange, const float* q_ref, float* q_o
 /* ---- Seven-joint arms (QM75, TAV72, TAV72II) ----
  * Both families are shoulder-elbow-wrist arms; the redundancy is the arm angle: the
  * rotation of the shoulder-elbow-wrist plane about the shoulder-wrist line, measured from
- * the plane in which joint 3 is zero. The solvers first try the reference's own arm angle
- * (near the shoulder or wrist singularity also the nearby arm angles that keep joint 1 or 5
- * at the reference's value), then search outward in steps of Q_STEP_MIN within +-range (see
- * the search settings) until a branch within the limits exists. */
+ * the plane in which joint 3 is zero. The solvers return the branch nearest the reference
+ * within the limits over the arm angles they try: the reference's own (near the shoulder or
+ * wrist singularity also the nearby ones that keep joint 1 or 5 at the reference's value, or
+ * share the rest between joints 1 and 3, or 5 and 7), and, unless the search settles there
+ * (see the search settings), the same singular arm angles anywhere within +-range and a grid
+ * of Q_STEP_MIN steps outward on both sides. */
 
 /* QM75. */
 int inverse_kinematics_qm_75(const Matrix* flange, const float* q_ref, float* q_out);
@@ -93,11 +95,12 @@ float calculate_arm_angle_from_config_qm75(const float* q);
  * inverse_kinematics; IKINE_UNKNOWN_TYPE unless a seven-joint model is loaded. */
 int inverse_kinematics_qm75_for_arm_angle(const float* q_ref, const Pose* target, float arm_angle, float* q_solve);
 
-/* Search strategy: 0 tries the arm angles alternately on both sides of the reference's,
- * nearest first, and stops at the first with a branch within the limits; 1 evaluates the
- * whole range and keeps the branch nearest the reference over all arm angles (slower,
- * never settles for a far branch close to the reference's arm angle). Other values are
- * ignored. Default 0. */
+/* Search strategy: 0 settles at the reference's arm angle when a branch there within the
+ * limits lies within 0.35 rad (20 degrees) of the reference in every joint; otherwise it goes
+ * on outward only while an arm angle left could still hold a nearer branch (a lower bound from
+ * how far the arm angle turns the shoulder and wrist), so a branch just beyond a limit never
+ * hands the answer to a far one. 1 walks the whole range. Both return the nearest branch within
+ * the limits over the arm angles tried. Other values are ignored. Default 0. */
 void ikine_set_7dof_solver_search_strategy(int strategy);
 int ikine_get_7dof_solver_search_strategy(void);
 /* Half-width (rad) of the arm-angle search around the reference's arm angle, clamped to
