@@ -145,6 +145,20 @@ inline ZyzBranches zyz_angles(const float r[3][3], float a_ref) {
     return z;
 }
 
+// b and c of r = Rz(a)*Ry(b)*Rz(c) for a given a, the nearest rotation of that form: off by
+// about sin(b) * (a - a_r) from r, where a_r is r's own first angle.
+struct ZyzRest {
+    float b;
+    float c;
+};
+inline ZyzRest zyz_rest(const float r[3][3], float a) {
+    const float ca = std::cos(a), sa = std::sin(a);
+    const float along = ca * r[0][2] + sa * r[1][2];  // sin b, signed
+    const float p0 = ca * r[0][0] + sa * r[1][0];
+    const float p1 = ca * r[1][0] - sa * r[0][0];
+    return {fast_atan2(along, r[2][2]), fast_atan2(p1, r[2][2] * p0 - along * r[2][0])};
+}
+
 // x rounded to the nearest integer (ties to even) for |x| < 2^51, without a libm call:
 // adding 1.5 * 2^52 leaves no fraction bits.
 inline double round_to_integer(double x) {
