@@ -63,7 +63,7 @@ float arm_angle_between(const Mat3 shoulder, const Mat3 shoulder0, const Vec3& a
     return fast_atan2(sin2, cos2);
 }
 
-ArmAngleTarget arm_angle_target(const DH& dh, const Matrix& flange) {
+ArmAngleTarget arm_angle_target(const DH& dh, const Matrix& flange, float reach_tol) {
     ArmAngleTarget t{};
     const float d3 = dh.d[2], d5 = dh.d[4], d7 = dh.d[6];
     Mat3& r = t.rotation;
@@ -74,7 +74,7 @@ ArmAngleTarget arm_angle_target(const DH& dh, const Matrix& flange) {
                      flange.data[2][3] - d7 * r[2][2] - dh.d[0]};
     const float len = std::sqrt(sw.x * sw.x + sw.y * sw.y + sw.z * sw.z);
     float c4;
-    if (len < kAxisEps || !triangle_cosine(len, d3, d5, c4)) return t;
+    if (len < kAxisEps || !triangle_cosine(len, d3, d5, c4, reach_tol)) return t;
     t.reachable = true;
     t.axis = {sw.x / len, sw.y / len, sw.z / len};
     const Vec3& s = t.axis;
@@ -184,11 +184,11 @@ using namespace algo::ik;
 extern "C" {
 
 int inverse_kinematics_qm_75(const Matrix* flange, const float* q_ref, float* q_out) {
-    return solve_flange_target(solve_arm_angle_search, 7, flange, q_ref, q_out);
+    return solve_flange_target(model_solver(QM75), flange, q_ref, q_out);
 }
 
 int inverse_kinematics_tav7(const Matrix* flange, const float* q_ref, float* q_out) {
-    return solve_flange_target(solve_arm_angle_search, 7, flange, q_ref, q_out);
+    return solve_flange_target(model_solver(TAV72), flange, q_ref, q_out);
 }
 
 float calculate_arm_angle_from_config_qm75(const float* q) {
@@ -215,15 +215,17 @@ int inverse_kinematics_qm75_for_arm_angle(const float* q_ref, const Pose* target
     const ModelSolver model = model_solver(libalgo_get_robot_type());
     if (model.solver != solve_arm_angle_search) return IKINE_UNKNOWN_TYPE;
     const Matrix flange = flange_target(*target, USE_EULER);
-    const SolveInput in = make_solve_input(q_ref, model.dof);
-    const ArmAngleTarget t = arm_angle_target(in.dh, flange);
+    const SolveInput in = make_solve_input(q_ref, model);
     IkSolve solve;
-    begin_solutions(in, solve);
-    if (t.reachable) {
+    solve_on_table(*model.shape, in, flange, solve, [arm_angle](const SolveInput& on, const Matrix& f, IkSolve& out) {
+        begin_solutions(on, out);
+        const ArmAngleTarget t = arm_angle_target(on.dh, f, on.reach_tol);
+        if (!t.reachable) return 0;
         float theta_ref[ROBOT_DOF];
-        reference_theta(in, theta_ref);
-        branches_at(in, t, theta_ref, arm_angle, solve);
-    }
+        reference_theta(on, theta_ref);
+        branches_at(on, t, theta_ref, arm_angle, out);
+        return out.num;
+    });
     return pick_solution(in, solve, q_solve);
 }
 

@@ -42,8 +42,9 @@ struct AxisBlend {
     Vec3 vs, vc, v0;
 };
 
-// Shoulder-wrist line and both elbow signs of a flange target; reachable is false out of reach.
-ArmAngleTarget arm_angle_target(const DH& dh, const Matrix& flange);
+// Shoulder-wrist line and both elbow signs of a flange target; reachable is false when the
+// wrist lies more than reach_tol (m) out of the upper arm and forearm's reach.
+ArmAngleTarget arm_angle_target(const DH& dh, const Matrix& flange, float reach_tol);
 // Every branch at arm angle psi, into out; elbows masks the elbow signs computed (bit e for sign e).
 constexpr int kBothElbows = 3;
 MiddleSines branches_at(const SolveInput& in, const ArmAngleTarget& t, const float* theta_ref, float psi,

@@ -264,7 +264,7 @@ private:
 
 int solve_arm_angle_search(const SolveInput& in, const Matrix& flange, IkSolve& out) {
     begin_solutions(in, out);
-    const ArmAngleTarget t = arm_angle_target(in.dh, flange);
+    const ArmAngleTarget t = arm_angle_target(in.dh, flange, in.reach_tol);
     if (!t.reachable) return 0;
     return ArmAngleSearch(in, t, out)
         .run(ikine_get_7dof_solver_search_strategy(), ikine_get_solution_range_qm75());

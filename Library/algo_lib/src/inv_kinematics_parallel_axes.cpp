@@ -85,7 +85,7 @@ int solve_parallel_axes(const SolveInput& in, const Matrix& flange, IkSolve& out
         s1[1] = -s1[0];
     } else {
         float sd;
-        if (!offset_sine(lateral, rho, sd)) return 0;
+        if (!offset_sine(lateral, rho, sd, in.reach_tol)) return 0;
         const float cd = std::sqrt(1.0f - sd * sd);
         const float phi = fast_atan2(oy, ox);
         const float delta = fast_atan2(sd, cd);
@@ -128,7 +128,7 @@ int solve_parallel_axes(const SolveInput& in, const Matrix& flange, IkSolve& out
             float y = oz + d4 * c234;
             float len = std::sqrt(x * x + y * y);
             float c3;
-            bool reached = triangle_cosine(len, a2, a3, c3);
+            bool reached = triangle_cosine(len, a2, a3, c3, in.reach_tol);
             if (near_singular) {
                 const float to_ref = std::remainder(theta234_ref - t234, kTwoPi);
                 const bool keep_ref = std::fabs(to_ref) <= slack;
@@ -145,7 +145,7 @@ int solve_parallel_axes(const SolveInput& in, const Matrix& flange, IkSolve& out
                     x = px - d4 * s234;
                     y = oz + d4 * c234;
                     len = std::sqrt(x * x + y * y);
-                    reached = triangle_cosine(len, a2, a3, c3);
+                    reached = triangle_cosine(len, a2, a3, c3, in.reach_tol);
                 }
             }
             if (!reached) continue;
@@ -175,11 +175,11 @@ using namespace algo::ik;
 extern "C" {
 
 int ikine_lux6_solver(const DH* dh, const Matrix* flange, const float* q_ref, IkSolve* solve) {
-    return solve_with_table(solve_parallel_axes, 6, dh, flange, q_ref, solve);
+    return solve_with_table(model_solver(LUX65), dh, flange, q_ref, solve);
 }
 
 int inverse_kinematics_lux6(const Matrix* flange, const float* q_ref, float* q_out) {
-    return solve_flange_target(solve_parallel_axes, 6, flange, q_ref, q_out);
+    return solve_flange_target(model_solver(LUX65), flange, q_ref, q_out);
 }
 
 }  // extern "C"
