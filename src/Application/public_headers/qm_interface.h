@@ -98,7 +98,8 @@ void qm_algo_get_joint_max_speed(float* joint_speed);
 void qm_algo_set_joint_max_acc(const float* joint_acc);
 /* Reads the joint acceleration limits in the controller's unit. */
 void qm_algo_get_joint_max_acc(float* joint_acc);
-/* Replaces the DH table in use (metres, radians). */
+/* Replaces the DH table in use (metres, radians); the next kinematics call uses every entry,
+ * calibrated lengths and twists included. */
 void qm_algo_set_dh(qm_dh_t dh);
 /* The DH table in use. */
 qm_dh_t qm_algo_get_dh(void);

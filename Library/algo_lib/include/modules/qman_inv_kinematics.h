@@ -5,7 +5,14 @@
  * joints are used; lengths in m. Geometry, limits, tool frame and installation come from
  * the system data at each call. Every solution branch is mapped to the turn nearest the
  * reference joint within that joint's limits (find_nearest_joint). Not thread-safe: the
- * seven-joint search settings are process-wide, like the system data. */
+ * seven-joint search settings are process-wide, like the system data.
+ *
+ * A table off the model's nominal structure (a calibrated one with other lengths or twists)
+ * is solved in closed form on the nearest nominal table; each branch, and the reference
+ * itself, is then refined on the real table until it reproduces the target within 1e-6 m
+ * and 1e-6 rad, and a branch that does not get there is dropped (IKINE_FAILED when none is
+ * left). The solution reached from the reference takes the place of the branch farthest from
+ * it when it is not among the eight already. */
 
 #include "robot_define.h"
 
