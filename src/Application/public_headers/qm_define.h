@@ -308,7 +308,7 @@ typedef struct {
 typedef struct {
     float q_in[7];     /* reference joints, degrees */
     qm_pose_t q_pose;  /* target pose of the tool */
-    uint8_t flag;      /* 0: the target's quaternion is used, 1: its Euler angles */
+    uint8_t flag;      /* 0: the target's quaternion is used, any other value its Euler angles */
 } qm_inverse_kinematics_params_t;
 
 typedef struct {

@@ -98,7 +98,8 @@ void qm_algo_get_joint_max_speed(float* joint_speed);
 void qm_algo_set_joint_max_acc(const float* joint_acc);
 /* Reads the joint acceleration limits in the controller's unit. */
 void qm_algo_get_joint_max_acc(float* joint_acc);
-/* Replaces the DH table in use (metres, radians). */
+/* Replaces the DH table in use (metres, radians); the next kinematics call uses every entry,
+ * calibrated lengths and twists included. */
 void qm_algo_set_dh(qm_dh_t dh);
 /* The DH table in use. */
 qm_dh_t qm_algo_get_dh(void);
@@ -106,10 +107,18 @@ qm_dh_t qm_algo_get_dh(void);
 void qm_algo_set_redundant_parameter_traversal_mode(bool mode);
 /* Loads a connected arm's model, frames, limits, install angles and DH table; NULL changes nothing. */
 void qm_algo_arm_state_set(qm_robot_handle* handle);
-/* Tool pose in the work frame for the joints; an all-zero pose when joint is NULL. */
+/* Tool pose in the work frame for the joints; an all-zero pose when joint is NULL.
+ * The work frame is included here but not in qm_algo_inverse_kinematics, whose target is in the
+ * base frame: with a work frame set, a round trip through both does not close unless the pose is
+ * first converted with qm_algo_workframe2base. Within about 0.1 degrees of +-90 degrees pitch the
+ * Euler angles lose up to 3e-3 rad (yaw is folded into roll); round trips there should pass the
+ * quaternion (flag 0). */
 qm_pose_t qm_algo_forward_kinematics(qm_robot_handle* handle, const float* joint);
 /* Joints reaching params.q_pose nearest params.q_in: 0 solved, 1 no solution,
- * -1 reference outside the joint limits, -2 quaternion not normalised (flag 0). */
+ * -1 reference outside the joint limits, -2 quaternion not normalised (flag 0).
+ * The target is the tool pose in the base frame: the work frame is not applied, although
+ * qm_algo_forward_kinematics applies it. Near +-90 degrees pitch the Euler angles of a pose carry
+ * up to 3e-3 rad less accuracy than its quaternion; use flag 0 there. */
 int qm_algo_inverse_kinematics(qm_robot_handle* handle, qm_inverse_kinematics_params_t params, float* q_out);
 /* Every solution branch for the target, unfiltered, joints in degrees. */
 qm_inverse_kinematics_all_solve_t qm_algo_inverse_kinematics_all(qm_robot_handle* handle, qm_inverse_kinematics_params_t params);
@@ -163,7 +172,8 @@ int qm_algo_inverse_kinematics_qm75_for_arm_angle(const float* q_ref, qm_pose_t 
 qm_pose_t qm_algo_cartesian_tool(qm_robot_handle* handle, const float* curr_joint, float move_lengthx, float move_lengthy, float move_lengthz);
 /* Tool pose after turning rotate_angle degrees about axis 1 X, 2 Y, 3 Z of the frame choose_axis; the position stays. */
 qm_pose_t qm_algo_rotate_move(qm_robot_handle* handle, const float* curr_joint, int rotate_axis, float rotate_angle, qm_pose_t choose_axis);
-/* poseCurrent stepped by deltaPosAndRot (dx, dy, dz m; rx, ry, rz rad) in frame 0 work or 1 tool; other frames give a zero pose. */
+/* poseCurrent stepped by deltaPosAndRot (dx, dy, dz m; rx, ry, rz rad) in frame 0 work or 1 tool; other frames give a
+ * zero pose. A step without rotation returns poseCurrent's Euler angles and quaternion unchanged. */
 qm_pose_t qm_algo_pose_move(qm_robot_handle* handle, qm_pose_t poseCurrent, const float* deltaPosAndRot, int frameMode);
 
 /* ---- arm state and information ---- */
