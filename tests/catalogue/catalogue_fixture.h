@@ -40,20 +40,17 @@ inline std::string accepted(const std::string& command, bool ok = true) {
     return judged(command, "receive_state", ok);
 }
 
-// A set command: the exact request, and the key and member of its reply (key "": the command).
-struct SetRow {
-    const char* behaviour;
-    Call call;
-    std::string request;
-    std::string member;
-    std::string reply_key = "";
-};
+// The controller's arrival report of one trajectory.
+inline std::string arrival(int device, bool reached = true, int trajectory_connect = 0) {
+    return R"({"state":"current_trajectory_state","trajectory_state":)" +
+           std::string(reached ? "true" : "false") + R"(,"device":)" + std::to_string(device) +
+           R"(,"trajectory_connect":)" + std::to_string(trajectory_connect) + "}";
+}
 
-// A scripted answer (none: the controller stays silent) and the result expected.
-struct Failure {
-    std::optional<std::string> reply;
-    int expected;
-};
+// The answer to a planned-trajectory poll: "none", "movej", "movel", ...
+inline std::string planned(const std::string& type) {
+    return R"({"command":"arm_current_trajectory","type":")" + type + R"(","data":[0,0,0,0,0,0]})";
+}
 
 // Pushes one line every 20 ms until destroyed. In single-thread mode the bytes that share a
 // read with an awaited reply are dropped, so a single push could be lost.
@@ -74,6 +71,21 @@ public:
 private:
     std::atomic<bool> stop_{false};
     std::thread thread_;
+};
+
+// A set command: the exact request, and the key and member of its reply (key "": the command).
+struct SetRow {
+    const char* behaviour;
+    Call call;
+    std::string request;
+    std::string member;
+    std::string reply_key = "";
+};
+
+// A scripted answer (none: the controller stays silent) and the result expected.
+struct Failure {
+    std::optional<std::string> reply;
+    int expected;
 };
 
 // The listener flag and the reply timeouts are process-wide: each test starts from a clear

@@ -1,20 +1,10 @@
 // Planned, arc, step and streamed moves and their blocking waits against a fake controller.
+#include <atomic>
+
 #include "catalogue_fixture.h"
 
 namespace catalogue_test {
 namespace {
-
-// The controller's arrival report of one trajectory.
-std::string arrival(int device, bool reached = true, int trajectory_connect = 0) {
-    return R"({"state":"current_trajectory_state","trajectory_state":)" +
-           std::string(reached ? "true" : "false") + R"(,"device":)" + std::to_string(device) +
-           R"(,"trajectory_connect":)" + std::to_string(trajectory_connect) + "}";
-}
-
-// The answer to a planned-trajectory poll: "none", "movej", "movel", ...
-std::string planned(const std::string& type) {
-    return R"({"command":"arm_current_trajectory","type":")" + type + R"(","data":[0,0,0,0,0,0]})";
-}
 
 qm_pose_t make_pose(qm_position_t position, qm_euler_t euler, qm_quat_t quaternion = {0, 0, 0, 0}) {
     qm_pose_t pose{};
