@@ -18,6 +18,7 @@ static const char* const kForceSensing[] = {"none", "one-axis", "six-axis", "int
 
 /* The latest realtime record and the latest event, written by the library's threads. */
 static pthread_mutex_t g_lock = PTHREAD_MUTEX_INITIALIZER;
+static pthread_cond_t g_event_came = PTHREAD_COND_INITIALIZER;
 static qm_realtime_arm_joint_state_t g_latest;
 static unsigned long g_datagrams;
 static qm_event_push_data_t g_event;
@@ -34,6 +35,7 @@ static void on_event(qm_event_push_data_t event) {
     pthread_mutex_lock(&g_lock);
     g_event = event;
     g_events++;
+    pthread_cond_broadcast(&g_event_came);
     pthread_mutex_unlock(&g_lock);
 }
 
@@ -41,7 +43,7 @@ static int g_dof;
 
 static void print_joints(const char* label, const float* joint) {
     printf("%s [", label);
-    for (int i = 0; i < g_dof; ++i) printf("%7.1f", joint[i]);
+    for (int i = 0; i < g_dof; ++i) printf("%7.1f", fabs(joint[i]) < 0.05f ? 0.0 : joint[i]); /* no "-0.0" */
     printf(" ]");
 }
 
@@ -83,6 +85,7 @@ static int run_move(const char* what, qm_robot_handle* arm, move_fn move, const 
     const int live = isatty(STDOUT_FILENO);
     pthread_mutex_lock(&g_lock);
     g_moving = 1;
+    const int events_before = g_events;
     pthread_mutex_unlock(&g_lock);
     if (live) pthread_create(&display, NULL, show_progress, NULL);
     const double start = seconds_now();
@@ -92,7 +95,17 @@ static int run_move(const char* what, qm_robot_handle* arm, move_fn move, const 
     pthread_mutex_unlock(&g_lock);
     if (live) pthread_join(display, NULL);
 
+    /* The event callback may run just after the move returned. */
+    struct timespec deadline;
+    clock_gettime(CLOCK_REALTIME, &deadline);
+    deadline.tv_nsec += 200 * 1000 * 1000;
+    if (deadline.tv_nsec >= 1000000000L) {
+        deadline.tv_sec += 1;
+        deadline.tv_nsec -= 1000000000L;
+    }
     pthread_mutex_lock(&g_lock);
+    while (rc == 0 && g_events == events_before)
+        if (pthread_cond_timedwait(&g_event_came, &g_lock, &deadline) != 0) break;
     qm_event_push_data_t event = g_event;
     pthread_mutex_unlock(&g_lock);
     float joints[ARM_DOF] = {0};

@@ -179,7 +179,8 @@ std::string Arm::move(Plan plan, int trajectory_connect, std::vector<int> report
     plan.segment->trajectory_connect = trajectory_connect;
     plan.segment->reported = std::move(reported);
     trajectory_.append(std::move(*plan.segment), host_.clock().now());
-    settle();
+    // Not settled here: even a move that is over at once reports its arrival after the reply.
+    rearm();
     return {};
 }
 
@@ -189,7 +190,7 @@ std::string Arm::jog(Plan plan) {
     if (std::string blocked = motion_blocked(); !blocked.empty()) return blocked;
     plan.segment->kind = MoveKind::jog;
     trajectory_.append(std::move(*plan.segment), host_.clock().now());
-    settle();
+    rearm();
     return {};
 }
 
@@ -225,9 +226,13 @@ void Arm::drop_current(bool keep_queue) {
     if (const Segment* next = trajectory_.current()) {
         // The next move was planned from where the dropped one would have ended: go there first.
         Plan bridge = plan_joint_move(motion_limits(), trajectory_.joints(now), next->path.start(), 50, next->kind);
-        bridge.segment->trajectory_connect = 1;
-        bridge.segment->reported = next->reported;
-        trajectory_.prepend(std::move(*bridge.segment), now);
+        if (bridge.segment) {
+            bridge.segment->trajectory_connect = 1;
+            bridge.segment->reported = next->reported;
+            trajectory_.prepend(std::move(*bridge.segment), now);
+        } else {
+            trajectory_.stop(now);  // the limits changed meanwhile: the rest cannot be reached
+        }
     }
     rearm();
 }

@@ -113,16 +113,18 @@ void EventLoop::fire_due_timers() {
     std::uint64_t expirations = 0;
     [[maybe_unused]] ssize_t n = ::read(timer_fd_.get(), &expirations, sizeof expirations);
     const Clock::time_point now = Clock::now();
-    // Timers added while firing wait for the next pass, so a timer that re-adds itself
-    // for "now" cannot keep the loop here.
-    std::vector<Timer> due;
-    while (!timers_.empty() && timers_.begin()->first <= now) {
-        auto first = timers_.begin();
-        timer_index_.erase(first->second.id);
-        due.push_back(std::move(first->second));
-        timers_.erase(first);
+    // Timers added while firing wait for the next pass, so a timer that re-adds itself for
+    // "now" cannot keep the loop here; one cancelled by an earlier callback does not run.
+    std::vector<TimerId> due;
+    for (auto it = timers_.begin(); it != timers_.end() && it->first <= now; ++it) due.push_back(it->second.id);
+    for (TimerId id : due) {
+        auto found = timer_index_.find(id);
+        if (found == timer_index_.end()) continue;
+        std::function<void()> fn = std::move(found->second->second.fn);
+        timers_.erase(found->second);
+        timer_index_.erase(found);
+        fn();
     }
-    for (Timer& timer : due) timer.fn();
     arm_timerfd();
 }
 
