@@ -12,8 +12,8 @@
 
 #include "qm_interface.h"
 
-static const char* const kModels[] = {"QM65", "QM75", "QML63I", "QML63II", "QML63III",
-                                      "LUX65", "LUX62", "TAV72", "LUX63", "universal"};
+static const char* const kModels[] = {"QM65",  "QM75",  "QML63I", "QML63II", "QML63III",
+                                      "LUX65", "LUX62", "TAV72",  "LUX63",   "universal"};
 static const char* const kForceSensing[] = {"none", "one-axis", "six-axis", "integrated six-axis"};
 
 /* The latest realtime record and the latest event, written by the library's threads. */
@@ -152,7 +152,8 @@ static void show_controller(qm_robot_handle* arm) {
                kForceSensing[info.force_type]);
     }
     if (qm_get_realtime_push(arm, &push) == 0)
-        printf("push:       %s, every %d ms to %s:%d\n", push.enable ? "on" : "off", push.cycle, push.ip, push.port);
+        printf("push:       %s, every %d ms to %s:%d\n", push.enable ? "on" : "off", push.cycle, push.ip,
+               push.port);
 }
 
 static void inverse_kinematics_round_trip(qm_robot_handle* arm, const float* joints) {
@@ -183,7 +184,8 @@ static void show_state(qm_robot_handle* arm) {
                state.pose.position.x, state.pose.position.y, state.pose.position.z, state.pose.euler.rx,
                state.pose.euler.ry, state.pose.euler.rz, state.err.err_len);
     }
-    if (qm_get_current_joint_temperature(arm, temperature) == 0) print_joints("            temperatures", temperature);
+    if (qm_get_current_joint_temperature(arm, temperature) == 0)
+        print_joints("            temperatures", temperature);
     pthread_mutex_lock(&g_lock);
     printf("\n            %lu realtime datagrams and %d events received\n", g_datagrams, g_events);
     pthread_mutex_unlock(&g_lock);

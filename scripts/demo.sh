@@ -5,16 +5,8 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-packages=(cmake ninja-build g++ pkg-config libcjson-dev)
-missing=()
-for p in "${packages[@]}"; do
-  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
-done
-if [ ${#missing[@]} -gt 0 ]; then
-  SUDO=""; [ "$(id -u)" -ne 0 ] && SUDO=sudo
-  $SUDO apt-get update -qq
-  DEBIAN_FRONTEND=noninteractive $SUDO apt-get install -y -qq "${missing[@]}"
-fi
+packages=(cmake ninja-build gcc g++ pkg-config libcjson-dev)
+bash scripts/install_missing.sh "${packages[@]}"
 
 cmake -S . -B build-demo -G Ninja -DCMAKE_BUILD_TYPE=Release \
   -DQM_BUILD_TESTS=OFF -DQM_BUILD_BENCH=OFF > /dev/null

@@ -32,11 +32,14 @@ Wire6 pose(const Pose& p) {
             round(p.euler.rx * 1e3),   round(p.euler.ry * 1e3),   round(p.euler.rz * 1e3)};
 }
 
-Pose pose(const Wire6& w) { return make_pose(w[0] / 1e6, w[1] / 1e6, w[2] / 1e6, w[3] / 1e3, w[4] / 1e3, w[5] / 1e3); }
+Pose pose(const Wire6& w) {
+    return make_pose(w[0] / 1e6, w[1] / 1e6, w[2] / 1e6, w[3] / 1e3, w[4] / 1e3, w[5] / 1e3);
+}
 
 Coord coord(const Wire6& w) {
-    return Coord{static_cast<float>(w[0] / 1e6), static_cast<float>(w[1] / 1e6), static_cast<float>(w[2] / 1e6),
-                 static_cast<float>(w[3] / 1e3), static_cast<float>(w[4] / 1e3), static_cast<float>(w[5] / 1e3)};
+    return Coord{static_cast<float>(w[0] / 1e6), static_cast<float>(w[1] / 1e6),
+                 static_cast<float>(w[2] / 1e6), static_cast<float>(w[3] / 1e3),
+                 static_cast<float>(w[4] / 1e3), static_cast<float>(w[5] / 1e3)};
 }
 
 }  // namespace wire
@@ -48,8 +51,12 @@ constexpr Seconds kPassThroughShown{0.1};  // a pass-through target shows in the
 
 // Speeds and accelerations travel in thousandths of a sixth of the physical unit; the
 // software accelerations are sixfold again (a read-back value of 10 is 60 degrees/s^2).
-int speed_wire(double degrees_per_second) { return wire::round(degrees_per_second * 1000.0 / 6.0); }
-int acc_wire(double degrees_per_second2) { return wire::round(degrees_per_second2 * 1000.0 / 36.0); }
+int speed_wire(double degrees_per_second) {
+    return wire::round(degrees_per_second * 1000.0 / 6.0);
+}
+int acc_wire(double degrees_per_second2) {
+    return wire::round(degrees_per_second2 * 1000.0 / 36.0);
+}
 
 JointLimitSet default_limits(const ArmModel& model) {
     JointLimitSet limits;
@@ -64,11 +71,16 @@ JointLimitSet default_limits(const ArmModel& model) {
 
 const char* status_of(MoveKind kind) {
     switch (kind) {
-        case MoveKind::joint: return "move_J";
-        case MoveKind::linear: return "move_L";
-        case MoveKind::arc: return "move_C";
-        case MoveKind::spline: return "move_S";
-        case MoveKind::jog: return "move_J";
+        case MoveKind::joint:
+            return "move_J";
+        case MoveKind::linear:
+            return "move_L";
+        case MoveKind::arc:
+            return "move_C";
+        case MoveKind::spline:
+            return "move_S";
+        case MoveKind::jog:
+            return "move_J";
     }
     return "idle";
 }
@@ -76,7 +88,11 @@ const char* status_of(MoveKind kind) {
 }  // namespace
 
 Arm::Arm(int index, ArmModel model, int generation, const PushConfig& push, ArmHost& host)
-    : index_(index), model_(std::move(model)), generation_(generation), host_(host), kinematics_(model_),
+    : index_(index),
+      model_(std::move(model)),
+      generation_(generation),
+      host_(host),
+      kinematics_(model_),
       trajectory_(Joints{}) {
     state.limits = default_limits(model_);
     state.drive_limits = state.limits;
@@ -87,7 +103,9 @@ Arm::Arm(int index, ArmModel model, int generation, const PushConfig& push, ArmH
     reconfigure();
 }
 
-Arm::~Arm() { host_.loop().cancel(arrival_timer_); }
+Arm::~Arm() {
+    host_.loop().cancel(arrival_timer_);
+}
 
 void Arm::reconfigure() {
     KinematicsSetup setup;
@@ -100,12 +118,14 @@ void Arm::reconfigure() {
 }
 
 Frame* Arm::find_tool(const std::string& name) {
-    auto it = std::find_if(state.tools.begin(), state.tools.end(), [&](const Frame& f) { return f.name == name; });
+    auto it =
+        std::find_if(state.tools.begin(), state.tools.end(), [&](const Frame& f) { return f.name == name; });
     return it == state.tools.end() ? nullptr : &*it;
 }
 
 Frame* Arm::find_work(const std::string& name) {
-    auto it = std::find_if(state.works.begin(), state.works.end(), [&](const Frame& f) { return f.name == name; });
+    auto it =
+        std::find_if(state.works.begin(), state.works.end(), [&](const Frame& f) { return f.name == name; });
     return it == state.works.end() ? nullptr : &*it;
 }
 
@@ -125,7 +145,9 @@ MotionLimits Arm::motion_limits() const {
     return limits;
 }
 
-Joints Arm::joints() const { return trajectory_.joints(host_.clock().now()); }
+Joints Arm::joints() const {
+    return trajectory_.joints(host_.clock().now());
+}
 
 Joints Arm::speeds() const {
     const SimTime now = host_.clock().now();
@@ -136,10 +158,17 @@ Joints Arm::speeds() const {
 }
 
 const char* Arm::status() const {
-    if (const Segment* running = trajectory_.current()) return trajectory_.paused() ? "pause" : status_of(running->kind);
+    if (const Segment* running = trajectory_.current())
+        return trajectory_.paused() ? "pause" : status_of(running->kind);
     if (placed_at_ && host_.clock().now() - *placed_at_ < kPassThroughShown)
         return placed_by_pose_ ? "move_through_pose" : "move_through_joint";
     return "idle";
+}
+
+WireJoints Arm::enable_flags() const {
+    WireJoints flags{};
+    for (int j = 0; j < model_.dof; ++j) flags[j] = state.enabled[j] ? 1 : 0;
+    return flags;
 }
 
 void Arm::report(const Segment& segment, bool arrived) {
@@ -225,7 +254,8 @@ void Arm::drop_current(bool keep_queue) {
     if (dropped) report(*dropped, false);
     if (const Segment* next = trajectory_.current()) {
         // The next move was planned from where the dropped one would have ended: go there first.
-        Plan bridge = plan_joint_move(motion_limits(), trajectory_.joints(now), next->path.start(), 50, next->kind);
+        Plan bridge =
+            plan_joint_move(motion_limits(), trajectory_.joints(now), next->path.start(), 50, next->kind);
         if (bridge.segment) {
             bridge.segment->trajectory_connect = 1;
             bridge.segment->reported = next->reported;

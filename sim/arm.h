@@ -55,6 +55,7 @@ struct ArmState {
     JointLimitSet drive_limits;  // the drives' own, only stored
     std::array<bool, kMaxJoints> enabled{};
     std::array<int, kMaxJoints> err_flags{};
+    std::vector<int> errors;  // the arm's error codes, none while it is well
     int line_speed = 250, line_acc = 1600, angular_speed = 600, angular_acc = 4000;  // thousandths
     int collision_stage = 0;
     int teach_frame = 0;  // 0 work frame, 1 tool frame
@@ -65,7 +66,7 @@ struct ArmState {
     std::vector<Frame> works;  // the first is the base itself and cannot go
     std::string tool = "Arm_Tip";
     std::string work = "World";
-    std::map<int, Pose> tool_points;                       // taught flange poses by point number
+    std::map<int, Pose> tool_points;                         // taught flange poses by point number
     std::map<std::string, std::map<int, Pose>> work_points;  // taught tool poses by frame and point
     std::map<std::string, std::vector<EnvelopeBall>> envelopes;
 
@@ -110,6 +111,10 @@ public:
     const Trajectory& trajectory() const { return trajectory_; }
     // The arm_current_status text of the realtime push.
     const char* status() const;
+    // 1 for each enabled joint, 0 for each disabled one.
+    WireJoints enable_flags() const;
+    // The arm's error codes as the controller lists them: [0] when there is none.
+    std::vector<int> error_codes() const { return state.errors.empty() ? std::vector<int>{0} : state.errors; }
 
     // ---- motion; each returns the refusal, empty when accepted ----
     MotionLimits motion_limits() const;

@@ -6,8 +6,8 @@
 namespace sim {
 
 const ModelName kModelNames[10] = {
-    {"QM65", QM65},      {"QM75", QM75},   {"QML63II", QML63II}, {"QML63III", QML63III}, {"QML63IV", QML63IV},
-    {"LUX65", LUX65},    {"LUX62", LUX62}, {"LUX63", LUX63},     {"TAV72", TAV72},       {"TAV72II", TAV72II},
+    {"QM65", QM65},   {"QM75", QM75},   {"QML63II", QML63II}, {"QML63III", QML63III}, {"QML63IV", QML63IV},
+    {"LUX65", LUX65}, {"LUX62", LUX62}, {"LUX63", LUX63},     {"TAV72", TAV72},       {"TAV72II", TAV72II},
 };
 
 namespace {

@@ -10,7 +10,9 @@ const cJSON* Args::member(const char* key) const {
     return item;
 }
 
-bool Args::has(const char* key) const { return cJSON_GetObjectItemCaseSensitive(request_, key) != nullptr; }
+bool Args::has(const char* key) const {
+    return cJSON_GetObjectItemCaseSensitive(request_, key) != nullptr;
+}
 
 int Args::integer(const char* key) const {
     const cJSON* item = member(key);
@@ -30,14 +32,16 @@ std::string Args::text(const char* key, std::size_t max_length) const {
     if (!cJSON_IsString(item)) throw BadRequest(std::string("\"") + key + "\" is not a text");
     std::string text = item->valuestring;
     if (text.size() > max_length)
-        throw BadRequest(std::string("\"") + key + "\" is longer than " + std::to_string(max_length) + " characters");
+        throw BadRequest(std::string("\"") + key + "\" is longer than " + std::to_string(max_length) +
+                         " characters");
     return text;
 }
 
 std::vector<int> Args::ints(const char* key, std::size_t count) const {
     const cJSON* item = member(key);
     if (!cJSON_IsArray(item) || static_cast<std::size_t>(cJSON_GetArraySize(item)) != count)
-        throw BadRequest(std::string("\"") + key + "\" is not an array of " + std::to_string(count) + " integers");
+        throw BadRequest(std::string("\"") + key + "\" is not an array of " + std::to_string(count) +
+                         " integers");
     std::vector<int> values;
     for (const cJSON* element = item->child; element; element = element->next) {
         if (!cJSON_IsNumber(element) || std::fabs(element->valuedouble) > 2.0e9)
@@ -59,15 +63,25 @@ const cJSON* Args::array(const char* key) const {
     return item;
 }
 
-Reply::Reply(const char* key) : json_(cJSON_CreateObject()) { cJSON_AddStringToObject(json_.get(), "command", key); }
+Reply::Reply(const char* key) : json_(cJSON_CreateObject()) {
+    cJSON_AddStringToObject(json_.get(), "command", key);
+}
 
-Reply& Reply::set(const char* key, int value) { return add(key, JsonPtr(cJSON_CreateNumber(value))); }
+Reply& Reply::set(const char* key, int value) {
+    return add(key, JsonPtr(cJSON_CreateNumber(value)));
+}
 
-Reply& Reply::set(const char* key, bool value) { return add(key, JsonPtr(cJSON_CreateBool(value))); }
+Reply& Reply::set(const char* key, bool value) {
+    return add(key, JsonPtr(cJSON_CreateBool(value)));
+}
 
-Reply& Reply::set(const char* key, const char* text) { return add(key, JsonPtr(cJSON_CreateString(text))); }
+Reply& Reply::set(const char* key, const char* text) {
+    return add(key, JsonPtr(cJSON_CreateString(text)));
+}
 
-Reply& Reply::ints(const char* key, std::span<const int> values) { return add(key, int_array(values)); }
+Reply& Reply::ints(const char* key, std::span<const int> values) {
+    return add(key, int_array(values));
+}
 
 // A member that is already there keeps its place.
 Reply& Reply::add(const char* key, JsonPtr item) {
@@ -78,7 +92,9 @@ Reply& Reply::add(const char* key, JsonPtr item) {
     return *this;
 }
 
-Reply& Reply::rename(const char* key) { return set("command", key); }
+Reply& Reply::rename(const char* key) {
+    return set("command", key);
+}
 
 std::string Reply::text() const {
     JsonText text(cJSON_PrintUnformatted(json_.get()));
@@ -94,9 +110,13 @@ std::vector<std::span<const Command>>& registry() {
 
 }  // namespace
 
-CommandFamily::CommandFamily(std::span<const Command> table) { registry().push_back(table); }
+CommandFamily::CommandFamily(std::span<const Command> table) {
+    registry().push_back(table);
+}
 
-const std::vector<std::span<const Command>>& command_families() { return registry(); }
+const std::vector<std::span<const Command>>& command_families() {
+    return registry();
+}
 
 JsonPtr int_array(std::span<const int> values) {
     JsonPtr array(cJSON_CreateArray());
@@ -104,6 +124,8 @@ JsonPtr int_array(std::span<const int> values) {
     return array;
 }
 
-std::vector<int> dof_values(const WireJoints& values, int dof) { return {values.begin(), values.begin() + dof}; }
+std::vector<int> dof_values(const WireJoints& values, int dof) {
+    return {values.begin(), values.begin() + dof};
+}
 
 }  // namespace sim

@@ -11,9 +11,9 @@ namespace sim {
 namespace {
 
 constexpr std::size_t kReadChunk = 65536;
-constexpr std::size_t kMaxLine = 256 * 1024;             // longer input is refused
-constexpr std::size_t kMaxQueued = 16 * 1024 * 1024;     // a client that stops reading is dropped
-constexpr std::size_t kOversizedLine = 30000;            // beyond every client buffer
+constexpr std::size_t kMaxLine = 256 * 1024;          // longer input is refused
+constexpr std::size_t kMaxQueued = 16 * 1024 * 1024;  // a client that stops reading is dropped
+constexpr std::size_t kOversizedLine = 30000;         // beyond every client buffer
 constexpr const char* kGarbageLine = "#garbage}{ not a JSON line";
 
 std::string oversized_line() {
@@ -27,8 +27,14 @@ std::string oversized_line() {
 
 Connection::Connection(EventLoop& loop, Fd socket, int arm, int id, const Faults& faults, const Log& log,
                        LineHandler on_line, ClosedHandler on_closed)
-    : loop_(loop), socket_(std::move(socket)), arm_(arm), id_(id), faults_(faults), log_(log),
-      on_line_(std::move(on_line)), on_closed_(std::move(on_closed)),
+    : loop_(loop),
+      socket_(std::move(socket)),
+      arm_(arm),
+      id_(id),
+      faults_(faults),
+      log_(log),
+      on_line_(std::move(on_line)),
+      on_closed_(std::move(on_closed)),
       random_(faults.seed + static_cast<unsigned>(id)) {
     loop_.watch(socket_.get(), EPOLLIN | EPOLLRDHUP, [this](std::uint32_t events) { on_ready(events); });
 }
@@ -62,7 +68,8 @@ void Connection::read_input() {
 
 void Connection::take_lines() {
     std::size_t start = 0;
-    for (std::size_t end; open() && !close_when_flushed_ && (end = input_.find("\r\n", start)) != std::string::npos;) {
+    for (std::size_t end;
+         open() && !close_when_flushed_ && (end = input_.find("\r\n", start)) != std::string::npos;) {
         const std::string_view line(input_.data() + start, end - start);
         start = end + 2;
         if (skipping_) {
@@ -89,10 +96,12 @@ void Connection::take_lines() {
 void Connection::reply(const std::string& line) {
     if (!open()) return;
     ++replies_;
-    if (faults_.drop_replies > 0.0 && std::uniform_real_distribution<double>(0.0, 1.0)(random_) < faults_.drop_replies)
+    if (faults_.drop_replies > 0.0 &&
+        std::uniform_real_distribution<double>(0.0, 1.0)(random_) < faults_.drop_replies)
         return;
     if (faults_.garbage_every > 0 && replies_ % faults_.garbage_every == 0) queue_line(kGarbageLine, {});
-    if (faults_.oversized_every > 0 && replies_ % faults_.oversized_every == 0) queue_line(oversized_line(), {});
+    if (faults_.oversized_every > 0 && replies_ % faults_.oversized_every == 0)
+        queue_line(oversized_line(), {});
     queue_line(line, faults_.reply_delay);
 }
 
@@ -138,7 +147,8 @@ void Connection::flush() {
             }
             return;
         }
-        const ssize_t n = ::send(socket_.get(), piece.bytes.data(), piece.bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+        const ssize_t n =
+            ::send(socket_.get(), piece.bytes.data(), piece.bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
         if (n < 0 && errno == EINTR) continue;
         if (n < 0 && (errno == EAGAIN || errno == EWOULDBLOCK)) {
             if (!want_write_) loop_.change(socket_.get(), EPOLLIN | EPOLLRDHUP | EPOLLOUT);

@@ -10,7 +10,9 @@ namespace sim {
 
 namespace {
 
-JsonPtr object() { return JsonPtr(cJSON_CreateObject()); }
+JsonPtr object() {
+    return JsonPtr(cJSON_CreateObject());
+}
 
 void put(cJSON* object, const char* key, std::span<const int> values) {
     cJSON_AddItemToObject(object, key, int_array(values).release());
@@ -22,19 +24,15 @@ void put(cJSON* object, const char* key, const WireJoints& values, int dof) {
 
 JsonPtr joint_status(const Arm& arm, const Telemetry& t) {
     JsonPtr status = object();
-    WireJoints enabled{}, errors{};
-    for (int j = 0; j < arm.dof(); ++j) {
-        enabled[j] = arm.state.enabled[j] ? 1 : 0;
-        errors[j] = arm.state.err_flags[j];
-    }
     put(status.get(), "joint_position", t.position, arm.dof());
     put(status.get(), "joint_current", t.current, arm.dof());
-    put(status.get(), "joint_en_flag", enabled, arm.dof());
-    put(status.get(), "joint_err_code", errors, arm.dof());
+    put(status.get(), "joint_en_flag", arm.enable_flags(), arm.dof());
+    put(status.get(), "joint_err_code", arm.state.err_flags, arm.dof());
     put(status.get(), "joint_temperature", t.temperature, arm.dof());
     put(status.get(), "joint_voltage", t.voltage, arm.dof());
     auto speed = arm.state.push.custom.find("joint_speed");
-    if (speed != arm.state.push.custom.end() && speed->second) put(status.get(), "joint_speed", t.speed, arm.dof());
+    if (speed != arm.state.push.custom.end() && speed->second)
+        put(status.get(), "joint_speed", t.speed, arm.dof());
     return status;
 }
 
@@ -65,18 +63,29 @@ JsonPtr numbers(std::initializer_list<const char*> keys) {
 }
 
 // The peripherals are idle until their command families drive them.
-JsonPtr arm_current_status(const Arm& arm) { return JsonPtr(cJSON_CreateString(arm.status())); }
-JsonPtr lift_state(const Arm&) { return numbers({"pos", "height", "current", "err_flag", "en_flag"}); }
-JsonPtr expand_state(const Arm&) { return numbers({"pos", "joint_id", "mode", "current", "err_flag", "en_flag"}); }
-JsonPtr aloha_state(const Arm&) { return numbers({"io1_state", "io2_state"}); }
+JsonPtr arm_current_status(const Arm& arm) {
+    return JsonPtr(cJSON_CreateString(arm.status()));
+}
+JsonPtr lift_state(const Arm&) {
+    return numbers({"pos", "height", "current", "err_flag", "en_flag"});
+}
+JsonPtr expand_state(const Arm&) {
+    return numbers({"pos", "joint_id", "mode", "current", "err_flag", "en_flag"});
+}
+JsonPtr aloha_state(const Arm&) {
+    return numbers({"io1_state", "io2_state"});
+}
 JsonPtr hand(const Arm&) {
     JsonPtr section = object();
     const int zero[6] = {};
-    for (const char* key : {"hand_pos", "hand_angle", "hand_force", "hand_state"}) put(section.get(), key, zero);
+    for (const char* key : {"hand_pos", "hand_angle", "hand_force", "hand_state"})
+        put(section.get(), key, zero);
     cJSON_AddNumberToObject(section.get(), "hand_err", 0);
     return section;
 }
-JsonPtr offline(const Arm&) { return JsonPtr(cJSON_CreateString("offline")); }
+JsonPtr offline(const Arm&) {
+    return JsonPtr(cJSON_CreateString("offline"));
+}
 
 struct Section {
     const char* key;  // in the datagram and in the push configuration's "custom"
@@ -95,8 +104,8 @@ constexpr Section kSections[] = {
 }  // namespace
 
 bool is_push_section(const std::string& key) {
-    return key == "joint_speed" ||
-           std::any_of(std::begin(kSections), std::end(kSections), [&](const Section& s) { return key == s.key; });
+    return key == "joint_speed" || std::any_of(std::begin(kSections), std::end(kSections),
+                                               [&](const Section& s) { return key == s.key; });
 }
 
 std::string realtime_datagram(const Arm& arm) {
@@ -104,11 +113,13 @@ std::string realtime_datagram(const Arm& arm) {
     const Telemetry t = telemetry(arm);
     cJSON_AddItemToObject(root.get(), "joint_status", joint_status(arm, t).release());
     cJSON_AddItemToObject(root.get(), "waypoint", waypoint(arm.pose()).release());
-    const int no_error[] = {0};
-    put(root.get(), "err", no_error);
+    put(root.get(), "err", arm.error_codes());
     switch (arm.model().sensor) {
-        case ForceSensor::none: break;
-        case ForceSensor::one_axis: cJSON_AddItemToObject(root.get(), "one_force_sensor", force_sensor(arm).release()); break;
+        case ForceSensor::none:
+            break;
+        case ForceSensor::one_axis:
+            cJSON_AddItemToObject(root.get(), "one_force_sensor", force_sensor(arm).release());
+            break;
         case ForceSensor::six_axis:
         case ForceSensor::integrated_six_axis:
             cJSON_AddItemToObject(root.get(), "six_force_sensor", force_sensor(arm).release());

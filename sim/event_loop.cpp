@@ -116,7 +116,8 @@ void EventLoop::fire_due_timers() {
     // Timers added while firing wait for the next pass, so a timer that re-adds itself for
     // "now" cannot keep the loop here; one cancelled by an earlier callback does not run.
     std::vector<TimerId> due;
-    for (auto it = timers_.begin(); it != timers_.end() && it->first <= now; ++it) due.push_back(it->second.id);
+    for (auto it = timers_.begin(); it != timers_.end() && it->first <= now; ++it)
+        due.push_back(it->second.id);
     for (TimerId id : due) {
         auto found = timer_index_.find(id);
         if (found == timer_index_.end()) continue;

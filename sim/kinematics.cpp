@@ -33,13 +33,19 @@ Coord coord_of(const Pose& p) {
     return Coord{p.position.x, p.position.y, p.position.z, p.euler.rx, p.euler.ry, p.euler.rz};
 }
 
-Matrix matrix_of(const Coord& c) { return pose_euler_to_transformation_matrix(Pos{c.x, c.y, c.z}, Euler{c.rx, c.ry, c.rz}); }
+Matrix matrix_of(const Coord& c) {
+    return pose_euler_to_transformation_matrix(Pos{c.x, c.y, c.z}, Euler{c.rx, c.ry, c.rz});
+}
 
 }  // namespace
 
-Pose pose_of(const Matrix& m) { return transformation_matrix_to_pose(m); }
+Pose pose_of(const Matrix& m) {
+    return transformation_matrix_to_pose(m);
+}
 
-Matrix matrix_of(const Pose& p) { return matrix_of(coord_of(p)); }
+Matrix matrix_of(const Pose& p) {
+    return matrix_of(coord_of(p));
+}
 
 Pose make_pose(double x, double y, double z, double rx, double ry, double rz) {
     return pose_of(matrix_of(Coord{static_cast<float>(x), static_cast<float>(y), static_cast<float>(z),

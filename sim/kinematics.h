@@ -13,10 +13,10 @@ namespace sim {
 
 // What an arm's kinematics depend on besides its model.
 struct KinematicsSetup {
-    Coord tool{};       // tool frame in the flange frame (m, rad)
-    Coord work{};       // work frame in the base frame (m, rad)
+    Coord tool{};        // tool frame in the flange frame (m, rad)
+    Coord work{};        // work frame in the base frame (m, rad)
     float install[3]{};  // installation angles (rad)
-    Joints min_pos{};   // software joint limits (degrees)
+    Joints min_pos{};    // software joint limits (degrees)
     Joints max_pos{};
 };
 

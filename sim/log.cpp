@@ -10,7 +10,8 @@ Log::Log(NoteSink notes, const std::string& traffic_path) : notes_(std::move(not
         traffic_.reset(stderr);
     } else if (!traffic_path.empty()) {
         traffic_.reset(std::fopen(traffic_path.c_str(), "a"));
-        if (!traffic_) throw std::system_error(errno, std::generic_category(), "cannot open log " + traffic_path);
+        if (!traffic_)
+            throw std::system_error(errno, std::generic_category(), "cannot open log " + traffic_path);
     }
 }
 
@@ -25,8 +26,8 @@ void Log::note(const std::string& text) const {
 void Log::traffic(int arm, int connection, bool incoming, std::string_view line) const {
     if (!traffic_) return;
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
-    std::fprintf(traffic_.get(), "%10.3f arm %d #%d %s %.*s\n", seconds, arm + 1, connection, incoming ? "<-" : "->",
-                 static_cast<int>(line.size()), line.data());
+    std::fprintf(traffic_.get(), "%10.3f arm %d #%d %s %.*s\n", seconds, arm + 1, connection,
+                 incoming ? "<-" : "->", static_cast<int>(line.size()), line.data());
     std::fflush(traffic_.get());
 }
 

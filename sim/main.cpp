@@ -12,7 +12,7 @@ int main(int argc, char** argv) {
     try {
         options = sim::parse_options(argc, argv, help);
     } catch (const sim::UsageError& error) {
-        std::fprintf(stderr, "qm_sim: %s\n%s", error.what(), sim::usage_text(argv[0]).c_str());
+        std::fprintf(stderr, "qm_sim: %s (see --help)\n", error.what());
         return 2;
     }
     if (help) {
@@ -23,10 +23,11 @@ int main(int argc, char** argv) {
         sim::Simulator simulator(options);
         simulator.stop_on_signals();
         for (int i = 0; i < simulator.arms(); ++i) {
-            std::printf("qm_sim: arm %d, %s (generation %d), on %s:%d, realtime push %s to %s:%d every %d ms\n", i + 1,
-                        options.model.c_str(), options.generation, options.bind.c_str(), simulator.port(i),
-                        options.push.enable ? "on" : "off", options.push.ip.c_str(), simulator.push_port(i),
-                        options.push.cycle_ms);
+            std::printf(
+                "qm_sim: arm %d, %s (generation %d), on %s:%d, realtime push %s to %s:%d every %d ms\n",
+                i + 1, options.model.c_str(), options.generation, options.bind.c_str(), simulator.port(i),
+                options.push.enable ? "on" : "off", options.push.ip.c_str(), simulator.push_port(i),
+                options.push.cycle_ms);
         }
         std::fflush(stdout);
         if (!options.port_file.empty()) {

@@ -65,7 +65,9 @@ double Path::steepest(int j) const {
     return steepest;
 }
 
-Seconds Trajectory::elapsed(SimTime now) const { return (paused_at_ ? *paused_at_ : now) - started_; }
+Seconds Trajectory::elapsed(SimTime now) const {
+    return (paused_at_ ? *paused_at_ : now) - started_;
+}
 
 Joints Trajectory::joints(SimTime now) const {
     if (queue_.empty()) return rest_;

@@ -111,8 +111,8 @@ private:
     Seconds elapsed(SimTime now) const;
 
     std::deque<Segment> queue_;
-    Joints rest_;          // where the arm stands when idle
-    SimTime started_{};    // when the first queued segment started
+    Joints rest_;        // where the arm stands when idle
+    SimTime started_{};  // when the first queued segment started
     std::optional<SimTime> paused_at_;
 };
 

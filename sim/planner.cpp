@@ -23,15 +23,27 @@ constexpr int kMaxSamples = 200;
 // the path crosses a singularity.
 constexpr double kBranchJump = 20.0;
 
-Vec operator-(const Vec& a, const Vec& b) { return {a[0] - b[0], a[1] - b[1], a[2] - b[2]}; }
-Vec operator+(const Vec& a, const Vec& b) { return {a[0] + b[0], a[1] + b[1], a[2] + b[2]}; }
-Vec operator*(double k, const Vec& a) { return {k * a[0], k * a[1], k * a[2]}; }
-double dot(const Vec& a, const Vec& b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
+Vec operator-(const Vec& a, const Vec& b) {
+    return {a[0] - b[0], a[1] - b[1], a[2] - b[2]};
+}
+Vec operator+(const Vec& a, const Vec& b) {
+    return {a[0] + b[0], a[1] + b[1], a[2] + b[2]};
+}
+Vec operator*(double k, const Vec& a) {
+    return {k * a[0], k * a[1], k * a[2]};
+}
+double dot(const Vec& a, const Vec& b) {
+    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
+}
 Vec cross(const Vec& a, const Vec& b) {
     return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
 }
-double norm(const Vec& a) { return std::sqrt(dot(a, a)); }
-Vec position_of(const Pose& p) { return {p.position.x, p.position.y, p.position.z}; }
+double norm(const Vec& a) {
+    return std::sqrt(dot(a, a));
+}
+Vec position_of(const Pose& p) {
+    return {p.position.x, p.position.y, p.position.z};
+}
 
 using Quaternion = std::array<double, 4>;  // w, x, y, z
 
@@ -70,7 +82,8 @@ Quaternion slerp(const Quaternion& a, Quaternion b, double s) {
 
 Pose pose_from(const Vec& position, const Quaternion& q) {
     Pose p{};
-    p.position = Pos{static_cast<float>(position[0]), static_cast<float>(position[1]), static_cast<float>(position[2])};
+    p.position = Pos{static_cast<float>(position[0]), static_cast<float>(position[1]),
+                     static_cast<float>(position[2])};
     p.quaternion = Quat{static_cast<float>(q[0]), static_cast<float>(q[1]), static_cast<float>(q[2]),
                         static_cast<float>(q[3])};
     p.euler = quat_to_euler(p.quaternion);
@@ -83,10 +96,13 @@ double largest_step(const Joints& a, const Joints& b, int dof) {
     return step;
 }
 
-double fraction(int percent) { return std::clamp(percent, 1, 100) / 100.0; }
+double fraction(int percent) {
+    return std::clamp(percent, 1, 100) / 100.0;
+}
 
 // Progress rate and acceleration that keep each joint within its share of the limits.
-void limit_by_joints(const MotionLimits& limits, const Path& path, double share, double& rate, double& accel) {
+void limit_by_joints(const MotionLimits& limits, const Path& path, double share, double& rate,
+                     double& accel) {
     for (int j = 0; j < limits.dof; ++j) {
         const double steepest = path.steepest(j);
         if (steepest <= 0.0) continue;
@@ -103,7 +119,8 @@ int joint_outside(const MotionLimits& limits, const Joints& q) {
     return 0;
 }
 
-Plan plan_joint_move(const MotionLimits& limits, const Joints& from, const Joints& to, int percent, MoveKind kind) {
+Plan plan_joint_move(const MotionLimits& limits, const Joints& from, const Joints& to, int percent,
+                     MoveKind kind) {
     if (int joint = joint_outside(limits, to))
         return {std::nullopt, "joint " + std::to_string(joint) + " target outside its limits"};
     Path path({from, to});
@@ -114,16 +131,18 @@ Plan plan_joint_move(const MotionLimits& limits, const Joints& from, const Joint
 
 Plan plan_cartesian(const MotionLimits& limits, const Kinematics& kinematics, const Joints& from,
                     const CartesianPath& cartesian, int percent, MoveKind kind, bool truncate) {
-    const int wanted = static_cast<int>(std::ceil(std::max(cartesian.length / kSampleLength, cartesian.turn / kSampleTurn)));
+    const int wanted =
+        static_cast<int>(std::ceil(std::max(cartesian.length / kSampleLength, cartesian.turn / kSampleTurn)));
     const int n = std::clamp(wanted, kMinSamples, kMaxSamples);
     std::vector<Joints> samples = {from};
     for (int i = 1; i <= n; ++i) {
         Joints q{};
         const int rc = kinematics.inverse(cartesian.pose_at(static_cast<double>(i) / n), samples.back(), q);
-        const char* why = rc == IKINE_LIMITED ? "path leaves the joint limits"
+        const char* why = rc == IKINE_LIMITED      ? "path leaves the joint limits"
                           : rc != IKINE_SUCCESSFUL ? "path leaves the reachable space"
-                          : largest_step(q, samples.back(), limits.dof) > kBranchJump ? "path crosses a singularity"
-                                                                                       : nullptr;
+                          : largest_step(q, samples.back(), limits.dof) > kBranchJump
+                              ? "path crosses a singularity"
+                              : nullptr;
         if (why) {
             if (truncate) break;
             return {std::nullopt, why};
@@ -150,7 +169,8 @@ Plan plan_cartesian(const MotionLimits& limits, const Kinematics& kinematics, co
 CartesianPath line_path(const Pose& from, const Pose& to) {
     const Vec a = position_of(from), b = position_of(to);
     const Quaternion qa = quaternion_of(from), qb = quaternion_of(to);
-    return {[=](double s) { return pose_from(a + s * (b - a), slerp(qa, qb, s)); }, norm(b - a), turn_between(qa, qb)};
+    return {[=](double s) { return pose_from(a + s * (b - a), slerp(qa, qb, s)); }, norm(b - a),
+            turn_between(qa, qb)};
 }
 
 std::optional<CartesianPath> arc_path(const Pose& from, const Pose& via, const Pose& to, int loops) {

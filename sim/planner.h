@@ -39,7 +39,8 @@ struct CartesianPath {
 };
 
 // Joint-space move at `percent` (1 to 100) of the joint speeds and accelerations.
-Plan plan_joint_move(const MotionLimits& limits, const Joints& from, const Joints& to, int percent, MoveKind kind);
+Plan plan_joint_move(const MotionLimits& limits, const Joints& from, const Joints& to, int percent,
+                     MoveKind kind);
 
 // A Cartesian path from `from` (joints) solved sample by sample. A path that leaves the
 // reachable space is refused, or with `truncate` (jogs) cut where it leaves.

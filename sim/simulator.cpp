@@ -49,7 +49,8 @@ Fd listen_on(const std::string& ip, int port) {
     const int one = 1;
     ::setsockopt(fd.get(), SOL_SOCKET, SO_REUSEADDR, &one, sizeof one);
     const sockaddr_in addr = address(ip, port);
-    if (::bind(fd.get(), reinterpret_cast<const sockaddr*>(&addr), sizeof addr) != 0 || ::listen(fd.get(), kBacklog) != 0)
+    if (::bind(fd.get(), reinterpret_cast<const sockaddr*>(&addr), sizeof addr) != 0 ||
+        ::listen(fd.get(), kBacklog) != 0)
         return Fd();
     return fd;
 }
@@ -68,7 +69,8 @@ int free_udp_port(const std::string& ip) {
 Simulator::Simulator(const Options& options, NoteSink notes)
     : options_(options), log_(std::move(notes), options.log_path), clock_(options.speed_factor) {
     std::optional<ArmModel> model = find_arm_model(options_.model);
-    if (!model) throw std::system_error(EINVAL, std::generic_category(), "unknown arm model " + options_.model);
+    if (!model)
+        throw std::system_error(EINVAL, std::generic_category(), "unknown arm model " + options_.model);
     for (std::span<const Command> family : command_families())
         for (const Command& command : family) commands_[command.name] = &command;
 
@@ -80,7 +82,8 @@ Simulator::Simulator(const Options& options, NoteSink notes)
     push_due_.assign(static_cast<std::size_t>(options_.arms), {});
 
     for (int i = 0; i < options_.arms; ++i) {
-        const int push_port = options_.push.port == 0 ? free_udp_port(options_.push.ip) : options_.push.port + i;
+        const int push_port =
+            options_.push.port == 0 ? free_udp_port(options_.push.ip) : options_.push.port + i;
         push_ports_.push_back(push_port);
         PushConfig push;
         push.enable = options_.push.enable;
@@ -89,7 +92,8 @@ Simulator::Simulator(const Options& options, NoteSink notes)
         push.port = push_port;
         ArmHost& host = *this;
         arms_.push_back(std::make_unique<Arm>(i, *model, options_.generation, push, host));
-        loop_.watch(listeners_[static_cast<std::size_t>(i)].get(), EPOLLIN, [this, i](std::uint32_t) { accept(i); });
+        loop_.watch(listeners_[static_cast<std::size_t>(i)].get(), EPOLLIN,
+                    [this, i](std::uint32_t) { accept(i); });
         push_changed(i);
     }
     if (options_.bind != "127.0.0.1")
@@ -122,9 +126,13 @@ void Simulator::bind_ports() {
     throw socket_error("cannot listen on " + options_.bind + ":" + std::to_string(failed));
 }
 
-void Simulator::run() { loop_.run(); }
+void Simulator::run() {
+    loop_.run();
+}
 
-void Simulator::stop() { loop_.stop(); }
+void Simulator::stop() {
+    loop_.stop();
+}
 
 void Simulator::stop_on_signals() {
     sigset_t signals;
@@ -143,7 +151,9 @@ std::uint64_t Simulator::datagrams_sent() const {
     return total;
 }
 
-std::uint64_t Simulator::datagrams_sent(int arm) const { return datagrams_[static_cast<std::size_t>(arm)].load(); }
+std::uint64_t Simulator::datagrams_sent(int arm) const {
+    return datagrams_[static_cast<std::size_t>(arm)].load();
+}
 
 ArmView Simulator::view(int arm) {
     std::promise<ArmView> taken;
@@ -158,7 +168,8 @@ ArmView Simulator::view(int arm) {
         v.queued = a.trajectory().size();
         v.tool = a.state.tool;
         v.work = a.state.work;
-        for (const auto& [id, connection] : connections_) v.clients += connection->arm() == arm && connection->open();
+        for (const auto& [id, connection] : connections_)
+            v.clients += connection->arm() == arm && connection->open();
         v.datagrams = datagrams_sent(arm);
         taken.set_value(v);
     });
@@ -169,8 +180,8 @@ void Simulator::accept(int arm) {
     for (;;) {
         sockaddr_in peer{};
         socklen_t len = sizeof peer;
-        Fd fd(::accept4(listeners_[static_cast<std::size_t>(arm)].get(), reinterpret_cast<sockaddr*>(&peer), &len,
-                        SOCK_NONBLOCK | SOCK_CLOEXEC));
+        Fd fd(::accept4(listeners_[static_cast<std::size_t>(arm)].get(), reinterpret_cast<sockaddr*>(&peer),
+                        &len, SOCK_NONBLOCK | SOCK_CLOEXEC));
         if (!fd) return;
         const int one = 1;
         ::setsockopt(fd.get(), IPPROTO_TCP, TCP_NODELAY, &one, sizeof one);
@@ -183,8 +194,8 @@ void Simulator::accept(int arm) {
             loop_, std::move(fd), arm, id, options_.faults, log_,
             [this](Connection& from, std::string_view line) { serve(from, line); },
             [this](Connection& closed) {
-                log_.note("arm " + std::to_string(closed.arm() + 1) + ": client #" + std::to_string(closed.id()) +
-                          " gone");
+                log_.note("arm " + std::to_string(closed.arm() + 1) + ": client #" +
+                          std::to_string(closed.id()) + " gone");
                 // Not here: the connection is still inside its own callback.
                 loop_.post([this, id = closed.id()] { connections_.erase(id); });
             });
@@ -199,13 +210,16 @@ void Simulator::broadcast(int arm, const std::string& line) {
 void Simulator::serve(Connection& from, std::string_view line) {
     Arm& arm = *arms_[static_cast<std::size_t>(from.arm())];
     arm.settle();  // moves that ended by now are reported before anything else is answered
-    const std::string who = "arm " + std::to_string(arm.index() + 1) + " #" + std::to_string(from.id()) + ": ";
+    const std::string who =
+        "arm " + std::to_string(arm.index() + 1) + " #" + std::to_string(from.id()) + ": ";
 
     JsonPtr request(cJSON_ParseWithLength(line.data(), line.size()));
     const cJSON* name = cJSON_GetObjectItemCaseSensitive(request.get(), "command");
     if (!cJSON_IsObject(request.get()) || !cJSON_IsString(name)) {
         log_.note(who + "malformed request " + std::string(line.substr(0, 200)));
-        from.reply(Reply("error").set("error", request ? "request has no \"command\" text" : "request is not JSON").text());
+        from.reply(Reply("error")
+                       .set("error", request ? "request has no \"command\" text" : "request is not JSON")
+                       .text());
         return;
     }
     auto found = commands_.find(name->valuestring);
@@ -246,8 +260,8 @@ void Simulator::push(int arm) {
     to.sin_family = AF_INET;
     to.sin_port = htons(static_cast<std::uint16_t>(config.port));
     if (::inet_pton(AF_INET, config.ip.c_str(), &to.sin_addr) == 1 &&
-        ::sendto(udp_.get(), datagram.data(), datagram.size(), 0, reinterpret_cast<const sockaddr*>(&to), sizeof to) ==
-            static_cast<ssize_t>(datagram.size()))
+        ::sendto(udp_.get(), datagram.data(), datagram.size(), 0, reinterpret_cast<const sockaddr*>(&to),
+                 sizeof to) == static_cast<ssize_t>(datagram.size()))
         ++datagrams_[i];
     // Due times follow each other by the cycle, whatever each push cost; a late loop skips
     // the pushes it missed rather than sending a burst.

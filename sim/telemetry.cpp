@@ -6,12 +6,12 @@ namespace sim {
 
 namespace {
 
-constexpr int kRestCurrent = 300;       // mA
-constexpr int kLoadedCurrent = 400;     // mA more on the joints that hold the arm up
-constexpr double kCurrentPerSpeed = 20; // mA per degree per second
-constexpr int kTemperature = 30000;     // thousandths of a degree Celsius
-constexpr int kTemperatureStep = 1500;  // warmer towards the base
-constexpr int kBusVoltage = 48000;      // mV
+constexpr int kRestCurrent = 300;        // mA
+constexpr int kLoadedCurrent = 400;      // mA more on the joints that hold the arm up
+constexpr double kCurrentPerSpeed = 20;  // mA per degree per second
+constexpr int kTemperature = 30000;      // thousandths of a degree Celsius
+constexpr int kTemperatureStep = 1500;   // warmer towards the base
+constexpr int kBusVoltage = 48000;       // mV
 
 }  // namespace
 

@@ -11,8 +11,6 @@ namespace {
 constexpr const char* kVersion = "1.1.0-sim";
 constexpr const char* kBuildTime = "2025-01-01 00:00:00";
 
-const WireJoints kNoErrors{};
-
 JsonPtr version(const char* text, bool with_build_time = true) {
     JsonPtr info(cJSON_CreateObject());
     cJSON_AddStringToObject(info.get(), "version", text);
@@ -39,11 +37,11 @@ std::span<const int> of_dof(const Call& call, const WireJoints& values) {
 
 void get_current_arm_state(Call& call) {
     const Wire6 pose = wire::pose(call.arm.pose());
-    const int no_error[] = {0};
     JsonPtr state(cJSON_CreateObject());
-    cJSON_AddItemToObject(state.get(), "joint", int_array(of_dof(call, wire::joints(call.arm.joints(), call.arm.dof()))).release());
+    cJSON_AddItemToObject(state.get(), "joint",
+                          int_array(of_dof(call, wire::joints(call.arm.joints(), call.arm.dof()))).release());
     cJSON_AddItemToObject(state.get(), "pose", int_array(pose).release());
-    cJSON_AddItemToObject(state.get(), "err", int_array(no_error).release());
+    cJSON_AddItemToObject(state.get(), "err", int_array(call.arm.error_codes()).release());
     call.reply.add("arm_state", std::move(state));
 }
 
@@ -64,15 +62,12 @@ void joint_telemetry(Call& call) {
 
 void get_arm_all_state(Call& call) {
     const Telemetry t = telemetry(call.arm);
-    WireJoints enabled{};
-    for (int j = 0; j < call.arm.dof(); ++j) enabled[j] = call.arm.state.enabled[j] ? 1 : 0;
-    const int no_error[] = {0};
     call.reply.ints("temperature", of_dof(call, t.temperature))
         .ints("current", of_dof(call, t.current))
         .ints("voltage", of_dof(call, t.voltage))
         .ints("err_flag", of_dof(call, call.arm.state.err_flags))
-        .ints("en_flag", of_dof(call, enabled))
-        .ints("err", no_error);
+        .ints("en_flag", of_dof(call, call.arm.enable_flags()))
+        .ints("err", call.arm.error_codes());
 }
 
 void set_init_pose(Call& call) {
@@ -84,17 +79,22 @@ void set_init_pose(Call& call) {
     call.arm.state.init_pose = init;
 }
 
-void get_init_pose(Call& call) { call.reply.ints("init_pose", of_dof(call, call.arm.state.init_pose)); }
+void get_init_pose(Call& call) {
+    call.reply.ints("init_pose", of_dof(call, call.arm.state.init_pose));
+}
 
-void get_install_pose(Call& call) { call.reply.ints("pose", call.arm.state.install); }
+void get_install_pose(Call& call) {
+    call.reply.ints("pose", call.arm.state.install);
+}
 
 // One row per joint: twist and offset in thousandths of a radian, lengths in micrometres.
 void get_DH_data(Call& call) {
-    static constexpr const char* kRows[] = {"joint_1", "joint_2", "joint_3", "joint_4", "joint_5", "joint_6", "joint_7"};
+    static constexpr const char* kRows[] = {"joint_1", "joint_2", "joint_3", "joint_4",
+                                            "joint_5", "joint_6", "joint_7"};
     const ArmModel::Dh& dh = call.arm.model().dh;
     for (int j = 0; j < call.arm.dof(); ++j) {
-        const int row[] = {wire::round(dh.alpha[j] * 1e3), wire::round(dh.a[j] * 1e6), wire::round(dh.d[j] * 1e6),
-                           wire::round(dh.offset[j] * 1e3)};
+        const int row[] = {wire::round(dh.alpha[j] * 1e3), wire::round(dh.a[j] * 1e6),
+                           wire::round(dh.d[j] * 1e6), wire::round(dh.offset[j] * 1e3)};
         call.reply.ints(kRows[j], row);
     }
 }
@@ -105,11 +105,20 @@ void get_arm_current_trajectory(Call& call) {
     const char* type = "none";
     if (running) {
         switch (running->kind) {
-            case MoveKind::joint: type = "movej"; break;
-            case MoveKind::linear: type = "movel"; break;
-            case MoveKind::arc: type = "movec"; break;
-            case MoveKind::spline: type = "moves"; break;
-            case MoveKind::jog: break;
+            case MoveKind::joint:
+                type = "movej";
+                break;
+            case MoveKind::linear:
+                type = "movel";
+                break;
+            case MoveKind::arc:
+                type = "movec";
+                break;
+            case MoveKind::spline:
+                type = "moves";
+                break;
+            case MoveKind::jog:
+                break;
         }
     }
     call.reply.set("type", type);

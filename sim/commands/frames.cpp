@@ -25,7 +25,8 @@ struct FrameKind {
 };
 
 constexpr FrameKind kTool{"tool_name", "tool_pose", "tool_names", &ArmState::tools, &ArmState::tool, true};
-constexpr FrameKind kWork{"frame_name", "frame_pose", "frame_names", &ArmState::works, &ArmState::work, false};
+constexpr FrameKind kWork{"frame_name",     "frame_pose",    "frame_names",
+                          &ArmState::works, &ArmState::work, false};
 
 Frame* find(Arm& arm, const FrameKind& kind, const std::string& name) {
     std::vector<Frame>& frames = arm.state.*kind.frames;
@@ -69,7 +70,8 @@ std::string add_frame(Arm& arm, const FrameKind& kind, Frame frame) {
 
 template <const FrameKind* Kind>
 void create(Call& call) {
-    if (std::string why = add_frame(call.arm, *Kind, frame_from(call, *Kind, frame_name(call, *Kind))); !why.empty())
+    if (std::string why = add_frame(call.arm, *Kind, frame_from(call, *Kind, frame_name(call, *Kind)));
+        !why.empty())
         call.refuse(why);
 }
 
@@ -78,7 +80,8 @@ void update(Call& call) {
     const std::string name = frame_name(call, *Kind);
     Frame* frame = find(call.arm, *Kind, name);
     if (!frame) return call.refuse("no frame \"" + name + "\"");
-    if (frame == &(call.arm.state.*Kind->frames).front()) return call.refuse("\"" + name + "\" cannot change");
+    if (frame == &(call.arm.state.*Kind->frames).front())
+        return call.refuse("\"" + name + "\" cannot change");
     *frame = frame_from(call, *Kind, name);
     call.arm.reconfigure();
 }
@@ -190,7 +193,8 @@ void generate_auto_tool_frame(Call& call) {
     std::copy(centre.begin(), centre.end(), frame.centre.begin());
     const std::optional<std::array<double, 3>> tip = tool_point(call.arm.state.tool_points);
     if (!tip) return call.refuse("the taught points do not fix a tool point");
-    frame.pose = {wire::round((*tip)[0] * 1e6), wire::round((*tip)[1] * 1e6), wire::round((*tip)[2] * 1e6), 0, 0, 0};
+    frame.pose = {
+        wire::round((*tip)[0] * 1e6), wire::round((*tip)[1] * 1e6), wire::round((*tip)[2] * 1e6), 0, 0, 0};
     if (std::string why = add_frame(call.arm, kTool, std::move(frame)); !why.empty()) return call.refuse(why);
     call.arm.state.tool_points.clear();
 }

@@ -12,7 +12,9 @@ using LimitSet = JointLimitSet ArmState::*;
 // Why a joint limit cannot take `value`, or null.
 using Check = const char* (*)(const JointLimitSet& set, int joint, int value);
 
-const char* positive(const JointLimitSet&, int, int value) { return value > 0 ? nullptr : "the limit must be positive"; }
+const char* positive(const JointLimitSet&, int, int value) {
+    return value > 0 ? nullptr : "the limit must be positive";
+}
 const char* below_max(const JointLimitSet& set, int joint, int value) {
     return value < set.max_pos[joint] ? nullptr : "the lower limit must lie below the upper one";
 }
@@ -32,10 +34,14 @@ constexpr JointSetter kMaxSpeed{"joint_max_speed", &ArmState::limits, &JointLimi
 constexpr JointSetter kMaxAcc{"joint_max_acc", &ArmState::limits, &JointLimitSet::max_acc, positive};
 constexpr JointSetter kMinPos{"joint_min_pos", &ArmState::limits, &JointLimitSet::min_pos, below_max};
 constexpr JointSetter kMaxPos{"joint_max_pos", &ArmState::limits, &JointLimitSet::max_pos, above_min};
-constexpr JointSetter kDriveMaxSpeed{"joint_max_speed", &ArmState::drive_limits, &JointLimitSet::max_speed, positive};
-constexpr JointSetter kDriveMaxAcc{"joint_max_acc", &ArmState::drive_limits, &JointLimitSet::max_acc, positive};
-constexpr JointSetter kDriveMinPos{"joint_min_pos", &ArmState::drive_limits, &JointLimitSet::min_pos, below_max};
-constexpr JointSetter kDriveMaxPos{"joint_max_pos", &ArmState::drive_limits, &JointLimitSet::max_pos, above_min};
+constexpr JointSetter kDriveMaxSpeed{"joint_max_speed", &ArmState::drive_limits, &JointLimitSet::max_speed,
+                                     positive};
+constexpr JointSetter kDriveMaxAcc{"joint_max_acc", &ArmState::drive_limits, &JointLimitSet::max_acc,
+                                   positive};
+constexpr JointSetter kDriveMinPos{"joint_min_pos", &ArmState::drive_limits, &JointLimitSet::min_pos,
+                                   below_max};
+constexpr JointSetter kDriveMaxPos{"joint_max_pos", &ArmState::drive_limits, &JointLimitSet::max_pos,
+                                   above_min};
 
 // [joint_num, value] of a per-joint request, with the joint 0-based.
 std::pair<int, int> joint_and_value(const Call& call, const char* member) {
@@ -82,15 +88,13 @@ void set_joint_en_state(Call& call) {
 }
 
 void get_joint_en_state(Call& call) {
-    WireJoints enabled{};
-    for (int j = 0; j < call.arm.dof(); ++j) enabled[j] = call.arm.state.enabled[j] ? 1 : 0;
-    call.reply.ints("en_state", dof_values(enabled, call.arm.dof()));
+    call.reply.ints("en_state", dof_values(call.arm.enable_flags(), call.arm.dof()));
 }
 
 // The brakes hold every joint that is not enabled.
 void get_joint_err_flag(Call& call) {
-    WireJoints brakes{};
-    for (int j = 0; j < call.arm.dof(); ++j) brakes[j] = call.arm.state.enabled[j] ? 0 : 1;
+    WireJoints brakes = call.arm.enable_flags();
+    for (int j = 0; j < call.arm.dof(); ++j) brakes[j] = 1 - brakes[j];
     call.reply.ints("err_flag", dof_values(call.arm.state.err_flags, call.arm.dof()));
     call.reply.ints("brake_state", dof_values(brakes, call.arm.dof()));
 }
@@ -110,7 +114,9 @@ void set_joint_zero_pos(Call& call) {
     call.arm.place(q, false);
 }
 
-void set_joint_clear_err(Call& call) { call.arm.state.err_flags[joint_of(call, "joint_clear_err")] = 0; }
+void set_joint_clear_err(Call& call) {
+    call.arm.state.err_flags[joint_of(call, "joint_clear_err")] = 0;
+}
 
 // Every mode puts the software position limits back to the model's.
 void auto_set_joint_limit(Call& call) {
@@ -159,7 +165,9 @@ void set_collision_stage(Call& call) {
     call.arm.state.collision_stage = stage;
 }
 
-void get_collision_stage(Call& call) { call.reply.set("collision_stage", call.arm.state.collision_stage); }
+void get_collision_stage(Call& call) {
+    call.reply.set("collision_stage", call.arm.state.collision_stage);
+}
 
 const Command kCommands[] = {
     {"set_joint_max_speed", "set_joint_max_speed", "joint_max_speed", set_joint<&kMaxSpeed>},
@@ -186,7 +194,8 @@ const Command kCommands[] = {
     {"auto_set_joint_limit", "auto_set_joint_limit", "limit_mode", auto_set_joint_limit},
     {"set_arm_max_line_speed", "set_arm_max_line_speed", "arm_line_speed", set_cartesian<&kLineSpeed>},
     {"set_arm_max_line_acc", "set_arm_max_line_acc", "arm_line_acc", set_cartesian<&kLineAcc>},
-    {"set_arm_max_angular_speed", "set_arm_max_angular_speed", "arm_angular_speed", set_cartesian<&kAngularSpeed>},
+    {"set_arm_max_angular_speed", "set_arm_max_angular_speed", "arm_angular_speed",
+     set_cartesian<&kAngularSpeed>},
     {"set_arm_max_angular_acc", "set_arm_max_angular_acc", "arm_angular_acc", set_cartesian<&kAngularAcc>},
     {"get_arm_max_line_speed", "arm_max_line_speed", nullptr, get_cartesian<&kLineSpeed>},
     {"get_arm_max_line_acc", "arm_max_line_acc", nullptr, get_cartesian<&kLineAcc>},

@@ -13,8 +13,8 @@ void movej(Call& call) {
     const int connect = trajectory_connect(call.args);
     const Joints target = joint_target(call.args, "joint", call.arm.dof());
     const Start start = planning_start(call.arm);
-    queue_move(call, plan_joint_move(call.arm.motion_limits(), start.joints, target, v, MoveKind::joint), connect,
-               shown_joints(target, call.arm.dof()));
+    queue_move(call, plan_joint_move(call.arm.motion_limits(), start.joints, target, v, MoveKind::joint),
+               connect, shown_joints(target, call.arm.dof()));
 }
 
 // A joint-space move to a Cartesian target: solved once, then moved like movej.
@@ -27,8 +27,8 @@ void movej_p(Call& call) {
     const int rc = call.arm.kinematics().inverse(target, start.joints, joints);
     if (rc != IKINE_SUCCESSFUL)
         return call.refuse(rc == IKINE_LIMITED ? "target outside the joint limits" : "target out of reach");
-    queue_move(call, plan_joint_move(call.arm.motion_limits(), start.joints, joints, v, MoveKind::joint), connect,
-               shown_joints(joints, call.arm.dof()));
+    queue_move(call, plan_joint_move(call.arm.motion_limits(), start.joints, joints, v, MoveKind::joint),
+               connect, shown_joints(joints, call.arm.dof()));
 }
 
 void linear_to(Call& call, const Pose& target, MoveKind kind) {
@@ -41,16 +41,21 @@ void linear_to(Call& call, const Pose& target, MoveKind kind) {
                connect, shown_pose(target));
 }
 
-void movel(Call& call) { linear_to(call, pose_target(call.args, "pose"), MoveKind::linear); }
+void movel(Call& call) {
+    linear_to(call, pose_target(call.args, "pose"), MoveKind::linear);
+}
 
 // Splines through consecutive targets are run as straight segments.
-void moves(Call& call) { linear_to(call, pose_target(call.args, "pose"), MoveKind::spline); }
+void moves(Call& call) {
+    linear_to(call, pose_target(call.args, "pose"), MoveKind::spline);
+}
 
 // The offset is taken in the work frame (0) or the tool frame (1) from where the move starts.
 void movel_offset(Call& call) {
     const std::vector<int> o = call.args.ints("offset", 6);
     const int frame = call.args.integer("frame_type");
-    if (frame != STEP_FRAME_WORK && frame != STEP_FRAME_TOOL) throw BadRequest("\"frame_type\" is neither 0 nor 1");
+    if (frame != STEP_FRAME_WORK && frame != STEP_FRAME_TOOL)
+        throw BadRequest("\"frame_type\" is neither 0 nor 1");
     const float delta[6] = {static_cast<float>(o[0] / 1e6), static_cast<float>(o[1] / 1e6),
                             static_cast<float>(o[2] / 1e6), static_cast<float>(o[3] / 1e3),
                             static_cast<float>(o[4] / 1e3), static_cast<float>(o[5] / 1e3)};
@@ -70,8 +75,10 @@ void movec(Call& call) {
     const Start start = planning_start(call.arm);
     std::optional<CartesianPath> arc = arc_path(start.pose, via, to, loops);
     if (!arc) return call.refuse("start, via and target lie on one line");
-    queue_move(call, plan_cartesian(call.arm.motion_limits(), call.arm.kinematics(), start.joints, *arc, v, MoveKind::arc),
-               connect, shown_pose(loops > 0 ? start.pose : to));
+    queue_move(
+        call,
+        plan_cartesian(call.arm.motion_limits(), call.arm.kinematics(), start.joints, *arc, v, MoveKind::arc),
+        connect, shown_pose(loops > 0 ? start.pose : to));
 }
 
 // ---- pass-through and follow: no reply, the arm is there at once ----

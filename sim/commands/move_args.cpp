@@ -31,9 +31,10 @@ Pose pose_target(const Args& args, const char* key) {
 Pose streamed_pose(const Args& args) {
     if (!args.has("pose_quat")) return pose_target(args, "pose");
     const std::vector<int> v = args.ints("pose_quat", 7);
-    const Pos position{static_cast<float>(v[0] / 1e6), static_cast<float>(v[1] / 1e6), static_cast<float>(v[2] / 1e6)};
-    const Quat q{static_cast<float>(v[3] / 1e6), static_cast<float>(v[4] / 1e6), static_cast<float>(v[5] / 1e6),
-                 static_cast<float>(v[6] / 1e6)};
+    const Pos position{static_cast<float>(v[0] / 1e6), static_cast<float>(v[1] / 1e6),
+                       static_cast<float>(v[2] / 1e6)};
+    const Quat q{static_cast<float>(v[3] / 1e6), static_cast<float>(v[4] / 1e6),
+                 static_cast<float>(v[5] / 1e6), static_cast<float>(v[6] / 1e6)};
     return pose_of(pose_quat_to_transformation_matrix(position, q));
 }
 
@@ -42,7 +43,9 @@ Start planning_start(const Arm& arm) {
     return {q, arm.kinematics().forward(q)};
 }
 
-std::vector<int> shown_joints(const Joints& target, int dof) { return dof_values(wire::joints(target, dof), dof); }
+std::vector<int> shown_joints(const Joints& target, int dof) {
+    return dof_values(wire::joints(target, dof), dof);
+}
 
 std::vector<int> shown_pose(const Pose& target) {
     const Wire6 w = wire::pose(target);
@@ -50,7 +53,8 @@ std::vector<int> shown_pose(const Pose& target) {
 }
 
 void queue_move(Call& call, Plan plan, int connect, std::vector<int> shown) {
-    if (std::string why = call.arm.move(std::move(plan), connect, std::move(shown)); !why.empty()) call.refuse(why);
+    if (std::string why = call.arm.move(std::move(plan), connect, std::move(shown)); !why.empty())
+        call.refuse(why);
 }
 
 void start_jog(Call& call, Plan plan) {

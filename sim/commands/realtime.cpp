@@ -19,7 +19,8 @@ void set_realtime_push(Call& call) {
     in_addr address{};
     if (config.cycle_ms < 1 || config.cycle_ms > kMaxCycle) return call.refuse("cycle outside 1..10000 ms");
     if (config.port < 1 || config.port > 65535) return call.refuse("port outside 1..65535");
-    if (::inet_pton(AF_INET, config.ip.c_str(), &address) != 1) return call.refuse("not an IPv4 address: " + config.ip);
+    if (::inet_pton(AF_INET, config.ip.c_str(), &address) != 1)
+        return call.refuse("not an IPv4 address: " + config.ip);
     // The request spells it "cordinate".
     if (call.args.has("force_cordinate")) {
         if (call.arm.model().sensor == ForceSensor::none) return call.refuse("the arm has no force sensor");
@@ -45,7 +46,8 @@ void get_realtime_push(Call& call) {
         .set("ip", config.ip)
         .set("enable", config.enable)
         .add("custom", std::move(custom));
-    if (call.arm.model().sensor != ForceSensor::none) call.reply.set("force_coordinate", config.force_coordinate);
+    if (call.arm.model().sensor != ForceSensor::none)
+        call.reply.set("force_coordinate", config.force_coordinate);
 }
 
 const Command kCommands[] = {

@@ -72,7 +72,9 @@ void cartesian_step(Call& call, int axis, double amount) {
     std::array<double, 6> delta{};
     delta[static_cast<std::size_t>(axis)] = amount;
     const CartesianPath path = stepped_path(call.arm, start.pose, delta);
-    queue_move(call, plan_cartesian(call.arm.motion_limits(), call.arm.kinematics(), start.joints, path, v, MoveKind::linear),
+    queue_move(call,
+               plan_cartesian(call.arm.motion_limits(), call.arm.kinematics(), start.joints, path, v,
+                              MoveKind::linear),
                0, shown_pose(path.pose_at(1.0)));
 }
 
@@ -106,7 +108,8 @@ void cartesian_jog(Call& call, int axis, double reach) {
     std::array<double, 6> delta{};
     delta[static_cast<std::size_t>(axis)] = direction(call.args) * reach;
     const CartesianPath path = stepped_path(call.arm, call.arm.kinematics().forward(from), delta);
-    start_jog(call, plan_cartesian(call.arm.motion_limits(), call.arm.kinematics(), from, path, v, MoveKind::jog, true));
+    start_jog(call, plan_cartesian(call.arm.motion_limits(), call.arm.kinematics(), from, path, v,
+                                   MoveKind::jog, true));
 }
 
 void set_pos_teach(Call& call) {
@@ -117,7 +120,9 @@ void set_ort_teach(Call& call) {
     cartesian_jog(call, 3 + axis_member(call.args, "teach_type", {"rx", "ry", "rz"}), kJogTurn);
 }
 
-void set_stop_teach(Call& call) { call.arm.stop_jog(); }
+void set_stop_teach(Call& call) {
+    call.arm.stop_jog();
+}
 
 // ---- teach frame ----
 
@@ -127,7 +132,9 @@ void set_teach_frame(Call& call) {
     call.arm.state.teach_frame = frame;
 }
 
-void get_teach_frame(Call& call) { call.reply.set("frame_type", call.arm.state.teach_frame); }
+void get_teach_frame(Call& call) {
+    call.reply.set("frame_type", call.arm.state.teach_frame);
+}
 
 // ---- stop and trajectory control ----
 
@@ -135,10 +142,18 @@ void stop(Call& call) {
     call.arm.stop_jog();
     call.arm.stop();
 }
-void pause(Call& call) { call.arm.pause(); }
-void resume(Call& call) { call.arm.resume(); }
-void delete_current(Call& call) { call.arm.drop_current(true); }
-void delete_all(Call& call) { call.arm.drop_current(false); }
+void pause(Call& call) {
+    call.arm.pause();
+}
+void resume(Call& call) {
+    call.arm.resume();
+}
+void delete_current(Call& call) {
+    call.arm.drop_current(true);
+}
+void delete_all(Call& call) {
+    call.arm.drop_current(false);
+}
 
 const Command kCommands[] = {
     {"set_joint_step", "set_joint_step", "receive_state", set_joint_step},
@@ -154,7 +169,8 @@ const Command kCommands[] = {
     {"set_arm_stop", "set_arm_stop", "arm_stop", stop},
     {"set_arm_pause", "set_arm_pause", "arm_pause", pause},
     {"set_arm_continue", "set_arm_continue", "arm_continue", resume},
-    {"set_delete_current_trajectory", "set_delete_current_trajectory", "delete_current_trajectory", delete_current},
+    {"set_delete_current_trajectory", "set_delete_current_trajectory", "delete_current_trajectory",
+     delete_current},
     {"set_arm_delete_trajectory", "set_arm_delete_trajectory", "arm_delete_trajectory", delete_all},
 };
 const CommandFamily kFamily(kCommands);

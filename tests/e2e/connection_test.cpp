@@ -48,7 +48,8 @@ TEST(Connection, SynchronisationLearnsTheArmAndItsKinematicsAgree) {
         const float joints[ARM_DOF] = {10, 20, 30, 40, 50, 60, 10};
         qm_movej_canfd_mode_t config{const_cast<float*>(joints), 0.0f, false, 0, 0};
         ASSERT_EQ(qm_movej_canfd(session.arm(), config), 0);
-        expect_pose_near(qm_algo_forward_kinematics(session.arm(), joints), pose_now(session.arm()), 1e-3f, 2e-3f);
+        expect_pose_near(qm_algo_forward_kinematics(session.arm(), joints), pose_now(session.arm()), 1e-3f,
+                         2e-3f);
     }
 }
 
@@ -103,7 +104,9 @@ public:
         ::setsockopt(fd_, SOL_SOCKET, SO_RCVTIMEO, &timeout, sizeof timeout);
     }
     ~RawClient() { ::close(fd_); }
-    void send(const std::string& bytes) { EXPECT_EQ(::send(fd_, bytes.data(), bytes.size(), MSG_NOSIGNAL), static_cast<ssize_t>(bytes.size())); }
+    void send(const std::string& bytes) {
+        EXPECT_EQ(::send(fd_, bytes.data(), bytes.size(), MSG_NOSIGNAL), static_cast<ssize_t>(bytes.size()));
+    }
     std::string line() {
         for (;;) {
             if (std::size_t end = pending_.find("\r\n"); end != std::string::npos) {
@@ -139,7 +142,8 @@ TEST(Connection, RequestsItDoesNotUnderstandGetAnErrorAndStallNobody) {
          R"({"command":"joint_degree","joint":[0,0,0,0,0,0]})"},
         {"", R"({"command":"get_teach_frame","frame_type":0})"},
         {std::string(300 * 1024, 'x'), R"({"command":"error","error":"line too long"})"},
-        {"still the long line\r\n{\"command\":\"get_teach_frame\"}\r\n", R"({"command":"get_teach_frame","frame_type":0})"},
+        {"still the long line\r\n{\"command\":\"get_teach_frame\"}\r\n",
+         R"({"command":"get_teach_frame","frame_type":0})"},
     };
     for (const auto& row : rows) {
         if (!row.request.empty()) raw.send(row.request);

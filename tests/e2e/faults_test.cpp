@@ -25,11 +25,17 @@ sim::Faults with(const std::function<void(sim::Faults&)>& set) {
 
 TEST(Faults, TheLibrarySurvivesOrTimesOutAsDesigned) {
     const FaultRow rows[] = {
-        {"lines cut into pieces", with([](sim::Faults& f) { f.split_at = {1, 4, 17, 60}; }), true, 0},
-        {"a garbage line before every other reply", with([](sim::Faults& f) { f.garbage_every = 2; }), true, 0},
-        {"an oversized line before every third reply", with([](sim::Faults& f) { f.oversized_every = 3; }), true, 0},
+        {"lines cut into pieces", with([](sim::Faults& f) {
+             f.split_at = {1, 4, 17, 60};
+         }),
+         true, 0},
+        {"a garbage line before every other reply", with([](sim::Faults& f) { f.garbage_every = 2; }), true,
+         0},
+        {"an oversized line before every third reply", with([](sim::Faults& f) { f.oversized_every = 3; }),
+         true, 0},
         {"replies a little late", with([](sim::Faults& f) { f.reply_delay = milliseconds(40); }), true, 0},
-        {"replies later than the timeout", with([](sim::Faults& f) { f.reply_delay = milliseconds(700); }), false, -2},
+        {"replies later than the timeout", with([](sim::Faults& f) { f.reply_delay = milliseconds(700); }),
+         false, -2},
         {"every reply dropped", with([](sim::Faults& f) { f.drop_replies = 1.0; }), false, -2},
         // The synchronisation takes ten commands; the eleventh is the last answered.
         {"closed after eleven commands", with([](sim::Faults& f) { f.close_after = 11; }), true, kFails},

@@ -26,19 +26,20 @@ TEST_F(Limits, WrittenLimitsReadBack) {
         float expected;
     } rows[] = {
         {"joint speed", ON_ARM(qm_set_joint_max_speed(h, 2, 90.0f)), READ(qm_get_joint_max_speed), 1, 90.0f},
-        {"joint acceleration", ON_ARM(qm_set_joint_max_acc(h, 3, 60.0f)), READ(qm_get_joint_max_acc), 2, 60.0f},
+        {"joint acceleration", ON_ARM(qm_set_joint_max_acc(h, 3, 60.0f)), READ(qm_get_joint_max_acc), 2,
+         60.0f},
         {"lower position", ON_ARM(qm_set_joint_min_pos(h, 1, -90.5f)), READ(qm_get_joint_min_pos), 0, -90.5f},
         {"upper position", ON_ARM(qm_set_joint_max_pos(h, 6, 120.0f)), READ(qm_get_joint_max_pos), 5, 120.0f},
-        {"drive speed", ON_ARM(qm_set_joint_drive_max_speed(h, 1, 150.0f)), READ(qm_get_joint_drive_max_speed), 0,
-         150.0f},
+        {"drive speed", ON_ARM(qm_set_joint_drive_max_speed(h, 1, 150.0f)),
+         READ(qm_get_joint_drive_max_speed), 0, 150.0f},
         // Sent without the division by six that the read applies: a sixfold read-back is intended.
-        {"drive acceleration", ON_ARM(qm_set_joint_drive_max_acc(h, 2, 60.0f)), READ(qm_get_joint_drive_max_acc), 1,
-         360.0f},
-        {"drive upper position", ON_ARM(qm_set_joint_drive_max_pos(h, 4, 170.0f)), READ(qm_get_joint_drive_max_pos),
-         3, 170.0f},
+        {"drive acceleration", ON_ARM(qm_set_joint_drive_max_acc(h, 2, 60.0f)),
+         READ(qm_get_joint_drive_max_acc), 1, 360.0f},
+        {"drive upper position", ON_ARM(qm_set_joint_drive_max_pos(h, 4, 170.0f)),
+         READ(qm_get_joint_drive_max_pos), 3, 170.0f},
         {"line speed", ON_ARM(qm_set_arm_max_line_speed(h, 0.5f)), READ(qm_get_arm_max_line_speed), 0, 0.5f},
-        {"angular acceleration", ON_ARM(qm_set_arm_max_angular_acc(h, 2.5f)), READ(qm_get_arm_max_angular_acc), 0,
-         2.5f},
+        {"angular acceleration", ON_ARM(qm_set_arm_max_angular_acc(h, 2.5f)),
+         READ(qm_get_arm_max_angular_acc), 0, 2.5f},
     };
     for (const auto& row : rows) {
         ASSERT_EQ(row.set(arm()), 0) << row.behaviour;

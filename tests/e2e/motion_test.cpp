@@ -40,8 +40,8 @@ TEST_P(Motion, BlockingJointMoveArrivesReportsAndIsPushed) {
 TEST_P(Motion, CartesianMovesEndAtTheirTargets) {
     ready();
     const qm_pose_t start = pose_now(arm());
-    const qm_pose_t down = pose_of(start.position.x, start.position.y, start.position.z - 0.1f, start.euler.rx,
-                                   start.euler.ry, start.euler.rz);
+    const qm_pose_t down = pose_of(start.position.x, start.position.y, start.position.z - 0.1f,
+                                   start.euler.rx, start.euler.ry, start.euler.rz);
     ASSERT_EQ(qm_movel(arm(), down, 50, 0, 0, QM_MOVE_MULTI_BLOCK), 0);
     expect_pose_near(pose_now(arm()), down);
 

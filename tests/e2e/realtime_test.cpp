@@ -39,7 +39,8 @@ TEST(Realtime, PushFollowsItsConfigurationAtUpTo1kHz) {
     const float target[ARM_DOF] = {90, 0, 0, 0, 0, 0, 0};
     ASSERT_EQ(qm_movej(arm, target, 5, 0, 0, QM_MOVE_NBLOCK), 0);
     ASSERT_TRUE(wait_for([](const Deliveries& d) {
-        return d.latest && d.latest->arm_current_status == QM_MOVE_J_E && d.latest->joint_status.joint_speed[0] > 1.0f;
+        return d.latest && d.latest->arm_current_status == QM_MOVE_J_E &&
+               d.latest->joint_status.joint_speed[0] > 1.0f;
     })) << "no record showed the move";
 
     const std::uint64_t before = session.sim().datagrams_sent(0);

@@ -68,7 +68,8 @@ std::string mode_name(const ::testing::TestParamInfo<qm_thread_mode_e>& info);
 
 // Joints and poses compared within what the wire's resolution allows.
 void expect_joints_near(const float* actual, const std::vector<float>& expected, float tolerance = 0.002f);
-void expect_pose_near(const qm_pose_t& actual, const qm_pose_t& expected, float metres = 2e-6f, float radians = 2e-3f);
+void expect_pose_near(const qm_pose_t& actual, const qm_pose_t& expected, float metres = 2e-6f,
+                      float radians = 2e-3f);
 qm_pose_t pose_of(float x, float y, float z, float rx, float ry, float rz);
 std::vector<float> joints_of(qm_robot_handle* arm);
 qm_pose_t pose_now(qm_robot_handle* arm);

@@ -60,7 +60,8 @@ TEST(Planner, ArcPassesItsPointsAndLinesAreRefused) {
     EXPECT_EQ(sim::plan_joint_move(limits, {}, beyond, 50, sim::MoveKind::joint).refusal,
               "joint 4 target outside its limits");
     // The joint that moves furthest sets the pace: 0.5 s ramps over 10 degrees each, 60 degrees at 40/s.
-    const sim::Plan ok = sim::plan_joint_move(limits, {}, sim::Joints{80.0, -20.0}, 100, sim::MoveKind::joint);
+    const sim::Plan ok =
+        sim::plan_joint_move(limits, {}, sim::Joints{80.0, -20.0}, 100, sim::MoveKind::joint);
     ASSERT_TRUE(ok.segment);
     EXPECT_NEAR(ok.segment->profile.duration().count(), 2.5, 1e-9);
 }
@@ -74,9 +75,10 @@ sim::Options parse(std::vector<std::string> words, bool& help) {
 
 TEST(Options, CommandLineIsReadAsDocumented) {
     bool help = false;
-    const sim::Options o = parse({"--model", "QM75-6F", "-g", "4", "--arms", "5", "-p", "9000", "--speed-factor", "2.5",
-                                  "--no-push", "--push-cycle", "1", "--fault-split", "3,9", "--fault-drop", "0.25"},
-                                 help);
+    const sim::Options o =
+        parse({"--model", "QM75-6F", "-g", "4", "--arms", "5", "-p", "9000", "--speed-factor", "2.5",
+               "--no-push", "--push-cycle", "1", "--fault-split", "3,9", "--fault-drop", "0.25"},
+              help);
     EXPECT_FALSE(help);
     EXPECT_EQ(o.model, "QM75-6F");
     EXPECT_EQ(o.generation, 4);
@@ -91,9 +93,16 @@ TEST(Options, CommandLineIsReadAsDocumented) {
     EXPECT_TRUE(help);
     EXPECT_NE(sim::usage_text("qm_sim").find("--fault-close-after"), std::string::npos);
 
-    for (std::vector<std::string> wrong : std::vector<std::vector<std::string>>{
-             {"--model", "QM99-B"}, {"--model", "TAV72-6F"}, {"--arms", "6"}, {"--generation", "5"},
-             {"--port", "65535", "--arms", "2"}, {"--fault-drop", "2"}, {"--bogus"}, {"stray"}, {"--port"}}) {
+    for (std::vector<std::string> wrong :
+         std::vector<std::vector<std::string>>{{"--model", "QM99-B"},
+                                               {"--model", "TAV72-6F"},
+                                               {"--arms", "6"},
+                                               {"--generation", "5"},
+                                               {"--port", "65535", "--arms", "2"},
+                                               {"--fault-drop", "2"},
+                                               {"--bogus"},
+                                               {"stray"},
+                                               {"--port"}}) {
         EXPECT_THROW(parse(wrong, help), sim::UsageError) << wrong[0];
     }
 }
