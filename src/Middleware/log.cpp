@@ -32,10 +32,18 @@ void emit(int level, const char* format, va_list args) {
     emit((level), format, args);     \
     va_end(args)
 
+namespace {
+void emit_at(int level, const char* format, ...) { QM_LOG_AT(level); }
+}  // namespace
+
 void qm_log_debug(const char* format, ...) { QM_LOG_AT(LOG_LEVEL_DEBUG); }
 void qm_log_info(const char* format, ...) { QM_LOG_AT(LOG_LEVEL_INFO); }
 void qm_log_warn(const char* format, ...) { QM_LOG_AT(LOG_LEVEL_WARN); }
 void qm_log_error(const char* format, ...) { QM_LOG_AT(LOG_LEVEL_ERROR); }
+
+void qm_log_text(LogLevel level, const char* text) { emit_at(level, text); }
+
+bool qm_log_enabled(LogLevel level) { return gLogger.log_level.load(std::memory_order_relaxed) <= level; }
 
 void qm_set_log_callback(LogCallback callback, LogLevel level) {
     gLogger.callback.store(callback ? callback : default_log, std::memory_order_release);

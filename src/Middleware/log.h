@@ -18,6 +18,12 @@ void qm_log_info(const char* format, ...) __attribute__((format(printf, 1, 2)));
 void qm_log_warn(const char* format, ...) __attribute__((format(printf, 1, 2)));
 void qm_log_error(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
+// A fixed message chosen from a table: `text` is the format the sink receives, with no
+// arguments, so it must hold no conversion.
+void qm_log_text(LogLevel level, const char* text);
+// Whether a message of `level` would reach the sink; lets a caller skip building its arguments.
+bool qm_log_enabled(LogLevel level);
+
 // A null callback installs the default sink; level becomes the threshold.
 void qm_set_log_callback(LogCallback callback, LogLevel level);
 

@@ -10,6 +10,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstring>
+#include <string>
 
 #include "log.h"
 
@@ -126,7 +127,10 @@ int socket_receive(qm_socket_handle* handle, char* buf, int len) {
     if (fd < 0) return -2;
     ssize_t n = ::recv(fd, buf, static_cast<size_t>(len), MSG_DONTWAIT);
     if (n < 0) return -2;
-    if (n > 0) qm_log_debug("buf:is %.*s\n", static_cast<int>(n), buf);
+    if (n > 0 && qm_log_enabled(LOG_LEVEL_DEBUG)) {
+        const std::string text(buf, static_cast<size_t>(n));  // the bytes are not terminated
+        qm_log_debug("buf:is %s\n", text.c_str());
+    }
     return static_cast<int>(n);
 }
 

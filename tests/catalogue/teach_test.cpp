@@ -1,5 +1,7 @@
 // Step moves, jogs, the teach frame and the stop commands against a fake controller; their
 // blocking waits are with the other moves.
+#include <mutex>
+
 #include "catalogue_fixture.h"
 
 namespace catalogue_test {
@@ -56,6 +58,27 @@ TEST_F(Teach, JogsStopsAndTheTeachFrameSendTheirMembersAndJudgeTheirOwnReplyMemb
         {"delete every trajectory", qm_set_arm_delete_trajectory,
          R"({"command":"set_arm_delete_trajectory"})", "arm_delete_trajectory"},
     });
+}
+
+TEST_F(Teach, BlockingStepWatchesTheRunningStepEveryHundredMilliseconds) {
+    using Clock = std::chrono::steady_clock;
+    std::mutex mutex;
+    std::vector<Clock::time_point> polls;
+    controller.reply("set_joint_step", accepted("set_joint_step"));
+    controller.on("get_arm_current_trajectory", [&](const std::string&) {
+        std::lock_guard lock(mutex);
+        polls.push_back(Clock::now());
+        const bool running = polls.size() <= 3;
+        std::string answer = std::string(R"({"command":"arm_current_trajectory","type":")") +
+                             (running ? "movej" : "none") + R"(","data":[0,0,0,0,0,0]})" + "\r\n";
+        if (!running) answer += R"({"state":"current_trajectory_state","trajectory_state":true,"device":0,)"
+                                R"("trajectory_connect":0})" "\r\n";
+        return std::optional<std::string>(answer);
+    });
+    ASSERT_EQ(qm_set_joint_step_block(arm(), 1, 1.0f, 10, 1), 0);
+    std::lock_guard lock(mutex);
+    ASSERT_EQ(polls.size(), 4u);
+    for (size_t i = 1; i < polls.size(); ++i) EXPECT_GE(polls[i] - polls[i - 1], 99ms) << "poll " << i;
 }
 
 TEST_F(Teach, ReplyFailuresAreReturned) {

@@ -1,4 +1,5 @@
 // Connection slots, handles and library start/stop against real loopback sockets.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -8,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "log_texts.h"
 #include "qm_handle.h"
 #include "qm_interface.h"
 #include "test_io.h"
@@ -18,14 +20,12 @@ class Lifecycle : public ::testing::TestWithParam<qm_thread_mode_e> {
 protected:
     void SetUp() override {
         ::listen(listener_, 16);  // the kernel completes connections from the backlog
-        qm_set_log_call_back(nullptr, LOG_LEVEL_ERROR + 1);  // silence expected errors
         ASSERT_EQ(qm_init(GetParam()), 0);
         qm_set_timeout(20);  // synchronisation queries get no answer here
     }
     void TearDown() override {
         EXPECT_EQ(qm_destory(), 0);
         qm_set_timeout(500);
-        qm_set_log_call_back(nullptr, LOG_LEVEL_ERROR);
         ::close(listener_);
     }
     qm_robot_handle* create() { return qm_create_robot_arm("127.0.0.1", port_); }
@@ -101,6 +101,17 @@ TEST_P(Lifecycle, RobotDofIsBoundedAndLookupsReleaseTheReadLock) {
     EXPECT_EQ(qm_set_robot_dof(&stranger, 6), -1);
     EXPECT_EQ(qm_get_robot_info(&stranger, &info), -1);
     EXPECT_EQ(qm_get_arm_dof(&stranger, &dof), -1);
+}
+
+TEST_P(Lifecycle, ExitingWithoutDestroyIsQuietAndClean) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(
+        {
+            qm_set_log_call_back(qm_test::noting_sink, LOG_LEVEL_DEBUG);  // the failed syncs' errors
+            for (int i = 0; i < 2; ++i) create();
+            std::exit(0);
+        },
+        ::testing::ExitedWithCode(0), ::testing::IsEmpty());
 }
 
 TEST_P(Lifecycle, DestroyThenInitStartsClean) {

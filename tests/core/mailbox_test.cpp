@@ -78,6 +78,16 @@ TEST_F(Mailbox, UnparsableAndConductProjectLinesAreCountedButNotStored) {
     EXPECT_EQ(record->fifo_handle->fifo[0].time, 1u);
 }
 
+TEST_F(Mailbox, ConductProjectRenamesTheStaleEntryItChoseWithoutStoringItself) {
+    file_state("old");
+    for (int i = 0; i < 50; ++i) {
+        file_state("filler", i);
+        take("filler");
+    }
+    file(R"({"command":"conduct_project","state":true})");  // 51 arrivals later: chooses "old"'s entry
+    EXPECT_EQ(take("old"), "");
+}
+
 TEST_F(Mailbox, FirstEntryByIndexWinsOverTheOldest) {
     file_state("other");      // entry 0
     file_state("wanted", 1);  // entry 1, older
@@ -194,6 +204,22 @@ TEST_F(Mailbox, EventsReachTheCallbackWithTheirFieldsAndStayFiled) {
               (std::vector{3, static_cast<int>(QM_CURRENT_TRAJECTORY_STATE_E), 1, 2, 1, 0}));
     EXPECT_EQ(fields(g_events[1]), (std::vector{3, static_cast<int>(QM_PROGRAM_RUN_FINISH_E), 0, 0, 0, 17}));
     EXPECT_NE(take("current_trajectory_state"), "");
+}
+
+qm_socket_fifo_handle* g_filing = nullptr;
+int g_seen_by_callback = 0;
+
+TEST_F(Mailbox, EventReachesTheCallbackBeforeItIsFiled) {
+    g_filing = record->fifo_handle.get();
+    g_seen_by_callback = 0;
+    qm_get_arm_event_call_back([](qm_event_push_data_t) {
+        char buf[FIFO_LINE_MAX];
+        g_seen_by_callback = fifo_take_line(*g_filing, "current_trajectory_state", buf, sizeof buf);
+    });
+    file(kArrival);
+    qm_get_arm_event_call_back([](qm_event_push_data_t) {});
+    EXPECT_EQ(g_seen_by_callback, -1) << "a waiting move must not see the event while the callback runs";
+    EXPECT_EQ(take("current_trajectory_state"), kArrival);
 }
 
 // ---- drag-teach points ----

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <mutex>
 
+#include "log_texts.h"
 #include "qm_interface.h"
 
 namespace qm_test {
@@ -15,6 +16,7 @@ std::mutex g_mutex;
 std::vector<std::string> g_messages;
 
 void capture_sink(const char* format, va_list args) {
+    note_log_format(format);
     char text[16384];
     std::vsnprintf(text, sizeof text, format, args);
     std::lock_guard lock(g_mutex);
@@ -29,7 +31,7 @@ LogCapture::LogCapture(LogLevel level) {
 }
 
 LogCapture::~LogCapture() {
-    qm_set_log_call_back(nullptr, LOG_LEVEL_ERROR);
+    qm_set_log_call_back(noting_sink, LOG_LEVEL_DEBUG);
 }
 
 std::vector<std::string> LogCapture::messages() const {

@@ -1,5 +1,5 @@
-// Captures the library's log messages for a test: installs a sink at the given level and
-// restores the default sink (errors only) at scope end.
+// Captures the library's log messages for a test: installs a sink at the given level and puts
+// the tests' noting sink back at scope end.
 #ifndef QM_TEST_LOG_CAPTURE_H
 #define QM_TEST_LOG_CAPTURE_H
 

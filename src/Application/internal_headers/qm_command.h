@@ -23,6 +23,7 @@
 #include <initializer_list>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "mio_json.h"
@@ -75,6 +76,8 @@ void pose_from6(const int* values, qm_pose_t& pose);
 class Request {
 public:
     explicit Request(const char* command);
+    // "command" followed by integer members in order.
+    Request(const char* command, std::initializer_list<std::pair<const char*, int>> integers);
     // A request that sends nothing: the exchange only waits for a reply.
     static Request nothing();
 
@@ -117,7 +120,7 @@ inline Request& add_pose_target(Request& req, const qm_pose_t& pose) {
 }
 
 // ---- reply ----
-enum class Timeout { query, set, fixed };
+enum class Timeout { query, set, modbus, fixed };
 
 // Where the reply is awaited, how long, how much of it is kept and which boolean judges it.
 struct Reply {
@@ -129,6 +132,10 @@ struct Reply {
 
     Reply& within(std::chrono::milliseconds fixed) { timeout = Timeout::fixed; fixed_ms = fixed; return *this; }
     Reply& with_query_timeout() { timeout = Timeout::query; return *this; }
+    // The set timeout (m_nOutTime_max), for the few queries that take long.
+    Reply& with_long_timeout() { timeout = Timeout::set; return *this; }
+    // The Modbus timeout (m_nOutTime_modbus), which qm_set_timeout leaves alone.
+    Reply& with_modbus_timeout() { timeout = Timeout::modbus; return *this; }
     Reply& buffer(int bytes) { buf_len = bytes; return *this; }
 
     std::chrono::milliseconds wait() const;
@@ -149,6 +156,8 @@ private:
 int exchange(const char* caller, qm_robot_handle* handle, const Request& req, const Reply& reply, std::string& text);
 // Sends without awaiting a reply, then holds the exchange for `pause`; the send result (0 or -1).
 int send_only(const char* caller, qm_robot_handle* handle, const Request& req, std::chrono::milliseconds pause);
+// How long the controller's unanswered configuration commands (network, serial ports) hold the exchange.
+inline constexpr std::chrono::milliseconds kUnansweredHold{800};
 // A set command: an exchange result below 1 is returned, else the judgement of reply.checked
 // (0 true, 1 false, -3 missing or unparsable).
 int send_set(const char* caller, qm_robot_handle* handle, const Request& req, const Reply& reply);
@@ -157,13 +166,36 @@ int send_set(const char* caller, qm_robot_handle* handle, const Request& req, co
 int send_query(const char* caller, qm_robot_handle* handle, const Request& req, const Reply& reply,
                std::span<KeyValue> table);
 
+// A reply parsed whole; null after logging "Error parsing JSON" when it does not parse.
+JsonPtr parse_reply(const char* text);
+
 // Key-table entries.
 KeyValue int_member(const char* key);
 KeyValue array_member(const char* key, int size);
 KeyValue bool_member(const char* key);
 KeyValue str_member(const char* key);
 
-// ---- dof-long arrays ----
+// ---- members copied straight into a caller's record ----
+// For texts that outgrow the key table's value area and for nested replies: each member goes to
+// its field directly, a text bounded by its field and always terminated, an integer as
+// common_json_parse reads it. Missing and mistyped members are logged as common_json_parse does.
+struct MemberCopy {
+    template <std::size_t N>
+    static MemberCopy text(const char* key, char (&field)[N]) { return {key, field, N, nullptr}; }
+    static MemberCopy integer(const char* key, int& value) { return {key, nullptr, 0, &value}; }
+
+    const char* key;
+    char* text_field;
+    std::size_t text_size;
+    int* number;
+};
+
+// The members in order; 0, or -3 at the first missing or mistyped one (the earlier ones are written).
+int copy_members(const char* caller, const cJSON* scope, std::initializer_list<MemberCopy> members);
+// The array member `key` of `scope`; null, logged as common_json_parse logs it, when missing or no array.
+const cJSON* array_item(const char* caller, const cJSON* scope, const char* key);
+
+// ---- integer members and arrays ----
 // Stores element i of a parsed integer array (only i below the array's length is passed).
 using ElementStore = std::function<void(int index, int value)>;
 
@@ -176,7 +208,18 @@ ElementStore store(T* out) {
     return [out](int i, int v) { out[i] = static_cast<T>(v); };
 }
 
-// One integer array of a reply: `length` elements, or the arm's dof when length is kDofLong.
+// One integer member of a reply; stored as element 0 of `element`'s output.
+struct IntField {
+    const char* member;
+    ElementStore element;
+};
+
+// A query of integer members through one key table; the outputs are written only when every
+// member parsed. An exchange result below 1 is returned, else 0 or -3.
+int query_ints(const char* caller, qm_robot_handle* handle, const Request& req, const Reply& reply,
+               std::initializer_list<IntField> fields);
+
+// One integer array of a reply: exactly `length` elements, or the arm's dof when length is kDofLong.
 struct ArrayField {
     static constexpr int kDofLong = 0;
     const char* member;
@@ -198,6 +241,11 @@ int exchange_with_dof(const char* caller, qm_robot_handle* handle, const Request
 // `dof` receives the dof used when given.
 int query_dof_arrays(const char* caller, qm_robot_handle* handle, const Request& req, const Reply& reply,
                      std::initializer_list<ArrayField> arrays, int* dof = nullptr);
+
+// A query of fixed-length integer arrays through one key table, stored element by element.
+// An exchange result below 1 is returned, else 0 or the parse result.
+int query_arrays(const char* caller, qm_robot_handle* handle, const Request& req, const Reply& reply,
+                 std::initializer_list<ArrayField> arrays);
 
 // A cached joint limit of the connection record (joint_max_speed, joint_min_limit, ...).
 using JointCache = float (qm_handle_t::*)[ARM_DOF];

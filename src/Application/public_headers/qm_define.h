@@ -414,6 +414,99 @@ typedef struct {
     char tool_name[12];
 } qm_envelope_balls_list_t;
 
+/* ---- controller, power, network and serial ports ---- */
+
+/* The controller's wireless network, every text terminated. */
+typedef struct {
+    int channel;       /* written only in access-point mode */
+    char ip[16];
+    char mac[18];
+    char mask[16];
+    char mode[5];      /* as the controller reports it: "ap", "sta", "off" */
+    char password[16]; /* not written when the mode is "off" */
+    char ssid[32];     /* not written when the mode is "off" */
+} qm_wifi_net_t;
+
+/* ---- controller and tool IO ---- */
+
+/* Speed and mode of an IO port in real-time mode (IO mode 14). */
+typedef struct {
+    int speed;
+    int mode;
+} qm_io_real_time_config_t;
+
+/* The mode of one controller IO port. */
+typedef struct {
+    int io_mode; /* 0..14 */
+    qm_io_real_time_config_t io_real_time_config_t; /* used when io_mode is 14 */
+} qm_io_config_t;
+
+/* The state and mode of one controller IO port. */
+typedef struct {
+    int io_state;
+    qm_io_config_t io_config;
+} qm_io_get_t;
+
+/* ---- Modbus RTU and Modbus TCP ---- */
+
+/* A register or coil range of a slave on one controller port. */
+typedef struct {
+    int port;    /* controller port */
+    int address; /* first register or coil */
+    int device;  /* slave id */
+    int num;     /* count */
+} qm_peripheral_read_write_params_t;
+
+typedef struct {
+    int address;
+    int device;
+    int type;
+    int num;
+} qm_modbus_rtu_read_params_t;
+
+typedef struct {
+    int address;
+    int device;
+    int type;
+    int num;       /* values of data sent, at most 120 */
+    int data[120];
+} qm_modbus_rtu_write_params_t;
+
+/* A Modbus TCP slave is named by ip and port when ip holds 7 to 15 characters, else by master_name. */
+typedef struct {
+    int address;
+    char master_name[20];
+    char ip[16];
+    int port;
+    int num;
+} qm_modbus_tcp_read_params_t;
+
+typedef struct {
+    int address;
+    char master_name[20];
+    char ip[16];
+    int port;
+    int num;       /* values of data sent, at most 120 */
+    int data[120];
+} qm_modbus_tcp_write_params_t;
+
+/* One stored Modbus TCP master of the controller. */
+typedef struct {
+    char master_name[20];
+    char ip[16];
+    int port;
+} qm_modbus_tcp_master_info_t;
+
+/* One page of the controller's Modbus TCP masters. */
+typedef struct {
+    int page_num;
+    int page_size;
+    int total_size;
+    char vague_search[32];
+    int list_len; /* entries of master_list filled, at most 100 */
+    qm_modbus_tcp_master_info_t master_list[100];
+} qm_modbus_tcp_master_list_t;
+
 #ifdef __cplusplus
 }
 #endif

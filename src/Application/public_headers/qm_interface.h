@@ -404,6 +404,153 @@ int qm_get_install_pose(qm_robot_handle* handle, float* x, float* y, float* z);
 /* DH table of the arm: a and d in metres, alpha and offset in radians; also cached in the connection. */
 int qm_get_DH_data(qm_robot_handle* handle, qm_dh_t* dh);
 
+/* ---- controller, power, network and serial ports ---- */
+
+/* Controller supply voltage, current and temperature (controller's thousandths divided by 1000) and its error flag. */
+int qm_get_controller_state(qm_robot_handle* handle, float* voltage, float* current, float* temperature, int* err_flag);
+/* Switches the arm's power on (1) or off (0). */
+int qm_set_arm_power(qm_robot_handle* handle, int arm_power);
+/* The arm's power state. */
+int qm_get_arm_power_state(qm_robot_handle* handle, int* power_state);
+/* The controller's accumulated run time. */
+int qm_get_system_runtime(qm_robot_handle* handle, int* day, int* hour, int* min, int* sec);
+/* Clears the accumulated run time. */
+int qm_clear_system_runtime(qm_robot_handle* handle);
+/* Joint odometers, dof values as the controller counts them. */
+int qm_get_joint_odom(qm_robot_handle* handle, float* joint_odom);
+/* Clears the joint odometers. */
+int qm_clear_joint_odom(qm_robot_handle* handle);
+/* Sets the wired network address. */
+int qm_set_NetIP(qm_robot_handle* handle, const char* ip);
+/* Clears the system errors. */
+int qm_clear_system_err(qm_robot_handle* handle);
+/* Makes the controller a wireless access point; only sent (0 once sent), takes 800 ms. */
+int qm_set_wifi_ap(qm_robot_handle* handle, const char* wifi_name, const char* password);
+/* Joins the controller to a wireless router; only sent (0 once sent), takes 800 ms. */
+int qm_set_wifi_sta(qm_robot_handle* handle, const char* router_name, const char* password);
+/* Sets the USB serial port's baud rate; only sent (0 once sent), takes 800 ms. */
+int qm_set_usb(qm_robot_handle* handle, int baudrate);
+/* Sets the RS485 port's baud rate; only sent (0 once sent), takes 800 ms. */
+int qm_set_RS485(qm_robot_handle* handle, int baudrate);
+/* The wired network: ip and mask into 16 bytes each, mac into 18, terminated. */
+int qm_get_wired_net(qm_robot_handle* handle, char* ip, char* mask, char* mac);
+/* The wireless network; a malformed reply leaves the record partly filled. */
+int qm_get_wifi_net(qm_robot_handle* handle, qm_wifi_net_t* wifi_net);
+/* Restores the default network settings. */
+int qm_set_net_default(qm_robot_handle* handle);
+/* Switches the wireless network off. */
+int qm_set_wifi_close(qm_robot_handle* handle);
+/* Mode, baud rate and Modbus timeout of the controller's RS485 port; the timeout is left
+ * unchanged outside Modbus RTU mode. */
+int qm_get_controller_RS485_mode(qm_robot_handle* handle, int* mode, int* baudrate, int* timeout);
+/* Mode, baud rate and Modbus timeout of the tool's RS485 port; the timeout is left unchanged
+ * outside Modbus RTU mode. */
+int qm_get_tool_RS485_mode(qm_robot_handle* handle, int* mode, int* baudrate, int* timeout);
+/* Mode and baud rate of the controller's RS485 port (fourth controller generation). */
+int qm_get_controller_rs485_mode_v4(qm_robot_handle* handle, int* controller_rs485_mode, int* baudrate);
+/* Mode and baud rate of the tool's RS485 port (fourth controller generation). */
+int qm_get_tool_rs485_mode_v4(qm_robot_handle* handle, int* tool_rs485_mode, int* baudrate);
+/* Sets mode and baud rate of the controller's RS485 port (fourth controller generation). */
+int qm_set_controller_rs485_mode(qm_robot_handle* handle, int controller_rs485_mode, int baudrate);
+/* Sets mode and baud rate of the tool's RS485 port (fourth controller generation). */
+int qm_set_tool_rs485_mode(qm_robot_handle* handle, int tool_rs485_mode, int baudrate);
+
+/* ---- controller and tool IO ---- */
+
+/* Sets the mode of controller IO port io_num (0..4) to config.io_mode (0..14); 1 without
+ * sending for an argument out of range. */
+int qm_set_IO_mode(qm_robot_handle* handle, int io_num, qm_io_config_t config);
+/* Sets digital output io_num of the controller. */
+int qm_set_DO_state(qm_robot_handle* handle, int io_num, int state);
+/* State and mode of controller IO port io_num (0..4); 1 without sending for another port. */
+int qm_get_IO_state(qm_robot_handle* handle, int io_num, qm_io_get_t* config);
+/* The 4 digital inputs of the controller. */
+int qm_get_IO_input(qm_robot_handle* handle, int* DI_state);
+/* The 4 digital outputs of the controller. */
+int qm_get_IO_output(qm_robot_handle* handle, int* DO_state);
+/* Selects the controller's IO supply voltage. */
+int qm_set_voltage(qm_robot_handle* handle, int voltage_type);
+/* The controller's IO supply voltage selection. */
+int qm_get_voltage(qm_robot_handle* handle, int* voltage_type);
+/* Sets digital output io_num of the tool. */
+int qm_set_tool_DO_state(qm_robot_handle* handle, int io_num, int state);
+/* Sets the mode of tool IO port io_num. */
+int qm_set_tool_IO_mode(qm_robot_handle* handle, int io_num, int io_mode);
+/* Modes and states of the 2 tool IO ports. */
+int qm_get_tool_IO_state(qm_robot_handle* handle, int* mode, int* state);
+/* Selects the tool's supply voltage. */
+int qm_set_tool_voltage(qm_robot_handle* handle, int voltage_type);
+/* The tool's supply voltage selection. */
+int qm_get_tool_voltage(qm_robot_handle* handle, int* voltage_type);
+
+/* ---- Modbus RTU and Modbus TCP ---- */
+/* The controller is the Modbus master; reads give 1 when the controller says it could not read. */
+
+/* Opens controller port `port` in Modbus RTU mode. */
+int qm_set_modbus_mode(qm_robot_handle* handle, int port, int baudrate, int timeout);
+/* Closes Modbus mode on controller port `port`. */
+int qm_close_modbus_mode(qm_robot_handle* handle, int port);
+/* Opens a Modbus TCP connection from the controller to ip:port. */
+int qm_set_modbustcp_mode(qm_robot_handle* handle, const char* ip, int port, int timeout);
+/* Closes the Modbus TCP connection. */
+int qm_close_modbustcp_mode(qm_robot_handle* handle);
+/* Reads coils into data[0]. */
+int qm_read_coils(qm_robot_handle* handle, qm_peripheral_read_write_params_t params, int* data);
+/* Reads discrete inputs into data[0]. */
+int qm_read_input_status(qm_robot_handle* handle, qm_peripheral_read_write_params_t params, int* data);
+/* Reads a holding register into data[0]. */
+int qm_read_holding_registers(qm_robot_handle* handle, qm_peripheral_read_write_params_t params, int* data);
+/* Reads an input register into data[0]. */
+int qm_read_input_registers(qm_robot_handle* handle, qm_peripheral_read_write_params_t params, int* data);
+/* Writes one coil. */
+int qm_write_single_coil(qm_robot_handle* handle, qm_peripheral_read_write_params_t params, int data);
+/* Writes one holding register. */
+int qm_write_single_register(qm_robot_handle* handle, qm_peripheral_read_write_params_t params, int data);
+/* Writes params.num holding registers from data. */
+int qm_write_registers(qm_robot_handle* handle, qm_peripheral_read_write_params_t params, int* data);
+/* Writes params.num coils from data. */
+int qm_write_coils(qm_robot_handle* handle, qm_peripheral_read_write_params_t params, int* data);
+/* Reads params.num coils, eight to a value: params.num / 8 values into data. */
+int qm_read_multiple_coils(qm_robot_handle* handle, qm_peripheral_read_write_params_t params, int* data);
+/* Reads up to params.num holding registers into data. */
+int qm_read_multiple_holding_registers(qm_robot_handle* handle, qm_peripheral_read_write_params_t params, int* data);
+/* Reads up to params.num input registers into data. */
+int qm_read_multiple_input_registers(qm_robot_handle* handle, qm_peripheral_read_write_params_t params, int* data);
+/* Reads up to param.num coils of an RTU slave into data. */
+int qm_read_modbus_rtu_coils(qm_robot_handle* handle, qm_modbus_rtu_read_params_t param, int* data);
+/* Reads up to param.num discrete inputs of an RTU slave into data. */
+int qm_read_modbus_rtu_input_status(qm_robot_handle* handle, qm_modbus_rtu_read_params_t param, int* data);
+/* Reads up to param.num holding registers of an RTU slave into data. */
+int qm_read_modbus_rtu_holding_registers(qm_robot_handle* handle, qm_modbus_rtu_read_params_t param, int* data);
+/* Reads up to param.num input registers of an RTU slave into data. */
+int qm_read_modbus_rtu_input_registers(qm_robot_handle* handle, qm_modbus_rtu_read_params_t param, int* data);
+/* Writes param.num coils of an RTU slave. */
+int qm_write_modbus_rtu_coils(qm_robot_handle* handle, qm_modbus_rtu_write_params_t param);
+/* Writes param.num holding registers of an RTU slave. */
+int qm_write_modbus_rtu_registers(qm_robot_handle* handle, qm_modbus_rtu_write_params_t param);
+/* Stores a Modbus TCP master under its name. */
+int qm_add_modbus_tcp_master(qm_robot_handle* handle, qm_modbus_tcp_master_info_t master);
+/* Replaces the master stored as master_name by `master` (which may rename it). */
+int qm_update_modbus_tcp_master(qm_robot_handle* handle, const char* master_name, qm_modbus_tcp_master_info_t master);
+/* Deletes a stored Modbus TCP master. */
+int qm_delete_modbus_tcp_master(qm_robot_handle* handle, const char* master_name);
+/* The stored master of that name; 1 when there is none. */
+int qm_get_modbus_tcp_master(qm_robot_handle* handle, const char* master_name, qm_modbus_tcp_master_info_t* master);
+/* One page of the stored masters whose names match vague_search. */
+int qm_get_modbus_tcp_master_list(qm_robot_handle* handle, int page_num, int page_size, const char* vague_search, qm_modbus_tcp_master_list_t* list);
+/* Reads up to param.num coils of a TCP slave into data. */
+int qm_read_modbus_tcp_coils(qm_robot_handle* handle, qm_modbus_tcp_read_params_t param, int* data);
+/* Reads up to param.num discrete inputs of a TCP slave into data. */
+int qm_read_modbus_tcp_input_status(qm_robot_handle* handle, qm_modbus_tcp_read_params_t param, int* data);
+/* Reads up to param.num holding registers of a TCP slave into data. */
+int qm_read_modbus_tcp_holding_registers(qm_robot_handle* handle, qm_modbus_tcp_read_params_t param, int* data);
+/* Reads up to param.num input registers of a TCP slave into data. */
+int qm_read_modbus_tcp_input_registers(qm_robot_handle* handle, qm_modbus_tcp_read_params_t param, int* data);
+/* Writes param.num coils of a TCP slave. */
+int qm_write_modbus_tcp_coils(qm_robot_handle* handle, qm_modbus_tcp_write_params_t param);
+/* Writes param.num holding registers of a TCP slave. */
+int qm_write_modbus_tcp_registers(qm_robot_handle* handle, qm_modbus_tcp_write_params_t param);
+
 #ifdef __cplusplus
 }
 #endif

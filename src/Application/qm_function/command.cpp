@@ -39,6 +39,10 @@ void pose_from6(const int* values, qm_pose_t& pose) {
 
 Request::Request(const char* command) { str("command", command); }
 
+Request::Request(const char* command, std::initializer_list<std::pair<const char*, int>> integers) : Request(command) {
+    for (const auto& [key, value] : integers) integer(key, value);
+}
+
 Request Request::nothing() { return Request(); }
 
 Request::Member& Request::add(JsonValueType type, const char* key) {
@@ -113,6 +117,7 @@ std::chrono::milliseconds Reply::wait() const {
     switch (timeout) {
         case Timeout::query: return std::chrono::milliseconds(m_nOutTime.load());
         case Timeout::set: return std::chrono::milliseconds(m_nOutTime_max.load());
+        case Timeout::modbus: return std::chrono::milliseconds(m_nOutTime_modbus.load());
         case Timeout::fixed: break;
     }
     return fixed_ms;
@@ -173,6 +178,47 @@ KeyValue array_member(const char* key, int size) { return member(JSON_ARRAY, key
 KeyValue bool_member(const char* key) { return member(JSON_BOOL, key); }
 KeyValue str_member(const char* key) { return member(JSON_STRING, key); }
 
+const cJSON* array_item(const char* caller, const cJSON* scope, const char* key) {
+    const cJSON* item = MIO_JSON_GetObjectItem(scope, key);
+    if (!item) {
+        qm_log_error("[%s] %s parsing error\n", caller, key);
+        return nullptr;
+    }
+    if (!cJSON_IsArray(item)) {
+        qm_log_error("[%s] %s is not an array\n", caller, key);
+        return nullptr;
+    }
+    return item;
+}
+
+JsonPtr parse_reply(const char* text) {
+    JsonPtr root = json_parse(text);
+    if (!root) qm_log_error("Error parsing JSON\n");
+    return root;
+}
+
+int copy_members(const char* caller, const cJSON* scope, std::initializer_list<MemberCopy> members) {
+    for (const MemberCopy& m : members) {
+        const cJSON* item = MIO_JSON_GetObjectItem(scope, m.key);
+        if (!item) {
+            qm_log_error("[%s] %s parsing error\n", caller, m.key);
+            return -3;
+        }
+        if (m.number) {
+            *m.number = item->valueint;
+            qm_log_debug("[%s] %s parse result: %d\n", caller, m.key, *m.number);
+            continue;
+        }
+        if (!cJSON_IsString(item)) {
+            qm_log_error("[%s] %s is not a string\n", caller, m.key);
+            return -3;
+        }
+        copy_text(m.text_field, m.text_size, item->valuestring, m.text_size);
+        qm_log_debug("[%s] %s parse result: %s\n", caller, m.key, m.text_field);
+    }
+    return 0;
+}
+
 // ---- dof-long arrays ----
 
 int dof_or_disconnected(const char* caller, qm_robot_handle* handle) {
@@ -191,16 +237,15 @@ int exchange_with_dof(const char* caller, qm_robot_handle* handle, const Request
     return dof < 0 ? -1 : 0;
 }
 
-int query_dof_arrays(const char* caller, qm_robot_handle* handle, const Request& req, const Reply& reply,
-                     std::initializer_list<ArrayField> arrays, int* dof) {
-    std::string text;
-    int joints = 0;
-    if (int rc = exchange_with_dof(caller, handle, req, reply, text, joints)) return rc;
+namespace {
 
+// Parses the arrays with one key table and stores them element by element; kDofLong ones are
+// `dof` long.
+int parse_arrays(const char* caller, const std::string& text, std::initializer_list<ArrayField> arrays, int dof) {
     std::vector<KeyValue> table;
     table.reserve(arrays.size());
     for (const ArrayField& field : arrays)
-        table.push_back(array_member(field.member, field.length == ArrayField::kDofLong ? joints : field.length));
+        table.push_back(array_member(field.member, field.length == ArrayField::kDofLong ? dof : field.length));
     if (int rc = common_json_parse(caller, text.c_str(), table.data(), static_cast<int>(table.size()))) return rc;
 
     const KeyValue* parsed = table.data();
@@ -209,7 +254,36 @@ int query_dof_arrays(const char* caller, qm_robot_handle* handle, const Request&
             field.element(i, parsed->value.array_value[i]);
         ++parsed;
     }
+    return 0;
+}
+
+}  // namespace
+
+int query_dof_arrays(const char* caller, qm_robot_handle* handle, const Request& req, const Reply& reply,
+                     std::initializer_list<ArrayField> arrays, int* dof) {
+    std::string text;
+    int joints = 0;
+    if (int rc = exchange_with_dof(caller, handle, req, reply, text, joints)) return rc;
+    if (int rc = parse_arrays(caller, text, arrays, joints)) return rc;
     if (dof) *dof = joints;
+    return 0;
+}
+
+int query_arrays(const char* caller, qm_robot_handle* handle, const Request& req, const Reply& reply,
+                 std::initializer_list<ArrayField> arrays) {
+    std::string text;
+    if (int rc = exchange(caller, handle, req, reply, text); rc < 1) return rc;
+    return parse_arrays(caller, text, arrays, ArrayField::kDofLong);
+}
+
+int query_ints(const char* caller, qm_robot_handle* handle, const Request& req, const Reply& reply,
+               std::initializer_list<IntField> fields) {
+    std::vector<KeyValue> table;
+    table.reserve(fields.size());
+    for (const IntField& field : fields) table.push_back(int_member(field.member));
+    if (int rc = send_query(caller, handle, req, reply, table)) return rc;
+    const KeyValue* parsed = table.data();
+    for (const IntField& field : fields) field.element(0, (parsed++)->value.int_value);
     return 0;
 }
 

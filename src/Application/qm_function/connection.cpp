@@ -1,5 +1,6 @@
 // Library start and stop, the table of five connections and its lock.
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <mutex>
 #include <shared_mutex>
@@ -39,19 +40,32 @@ int find_slot(const qm_robot_handle* handle) {
     return -1;
 }
 
-bool start_thread(std::thread& thread, void (*body)(), const char* name) {
+// The error number of a failed start, or 0.
+int start_thread(std::thread& thread, void (*body)()) {
     try {
         thread = std::thread(body);
-        return true;
+        return 0;
     } catch (const std::system_error& e) {
-        qm_log_error("Error creating thread %s: %d\n", name, e.code().value());
-        return false;
+        return e.code().value();
     }
 }
 
 void join_threads() {
-    if (thread_id.joinable()) thread_id.join();
-    if (thread_udp_id.joinable()) thread_udp_id.join();
+    for (std::thread* thread : {&thread_id, &thread_udp_id}) {
+        if (!thread->joinable()) continue;
+        // exit() called from a callback runs on the receive thread itself.
+        if (thread->get_id() == std::this_thread::get_id())
+            thread->detach();
+        else
+            thread->join();
+    }
+}
+
+// An application may return from main without qm_destory: the receive threads must end
+// before the library's globals are destroyed, or the process aborts on its way out.
+void stop_threads_at_exit() {
+    should_exit = 1;
+    join_threads();
 }
 
 }  // namespace
@@ -95,12 +109,20 @@ int qm_init(qm_thread_mode_e mode) {
         std::lock_guard table(g_table_mutex);
         gHandleList = {};
     }
-    if (mode == QM_DUAL_MODE_E) {
-        if (!start_thread(thread_id, tcp_receive_thread_main, "thread_id")) return -1;
-    } else if (mode == QM_TRIPLE_MODE_E) {
-        gUdpHandle.reset(qm_udp_init());
-        if (!start_thread(thread_id, tcp_receive_thread_main, "thread_id")) return -1;
-        if (!start_thread(thread_udp_id, udp_receive_thread_main, "thread_udp_id")) return -1;
+    static std::once_flag at_exit;
+    std::call_once(at_exit, [] { std::atexit(stop_threads_at_exit); });
+    if (mode == QM_TRIPLE_MODE_E) gUdpHandle.reset(qm_udp_init());
+    if (mode == QM_DUAL_MODE_E || mode == QM_TRIPLE_MODE_E) {
+        if (int error = start_thread(thread_id, tcp_receive_thread_main)) {
+            qm_log_error("Error creating thread thread_id: %d\n", error);
+            return -1;
+        }
+    }
+    if (mode == QM_TRIPLE_MODE_E) {
+        if (int error = start_thread(thread_udp_id, udp_receive_thread_main)) {
+            qm_log_error("Error creating thread thread_udp_id: %d\n", error);
+            return -1;
+        }
     }
     return 0;
 }

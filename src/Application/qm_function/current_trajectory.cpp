@@ -22,16 +22,16 @@ struct TrajectoryKind {
     const char* text;
     qm_arm_current_trajectory_e type;
     Target target;
-    const char* name;  // in the debug line
+    const char* shown;  // the debug line naming it
 };
 
 constexpr TrajectoryKind kKinds[] = {
-    {"none", QM_NO_PLANNING_E, Target::joints, "None"},
-    {"movej", QM_JOINT_SPACE_PLANNING_E, Target::joints, "MoveJ"},
-    {"movel", QM_CARTESIAN_LINEAR_PLANNING_E, Target::pose, "MoveL"},
-    {"movec", QM_CARTESIAN_ARC_PLANNING_E, Target::pose, "MoveC"},
-    {"moves", QM_SPLINE_CURVE_MOTION_PLANNING_E, Target::pose, "MoveS"},
-    {"re_trajectory", QM_TRAJECTORY_REPLAY_PLANNING_E, Target::joints, "Re-Trajectory"},
+    {"none", QM_NO_PLANNING_E, Target::joints, "[qm_get_arm_current_trajectory] Current trajectory is None!\n"},
+    {"movej", QM_JOINT_SPACE_PLANNING_E, Target::joints, "[qm_get_arm_current_trajectory] Current trajectory is MoveJ!\n"},
+    {"movel", QM_CARTESIAN_LINEAR_PLANNING_E, Target::pose, "[qm_get_arm_current_trajectory] Current trajectory is MoveL!\n"},
+    {"movec", QM_CARTESIAN_ARC_PLANNING_E, Target::pose, "[qm_get_arm_current_trajectory] Current trajectory is MoveC!\n"},
+    {"moves", QM_SPLINE_CURVE_MOTION_PLANNING_E, Target::pose, "[qm_get_arm_current_trajectory] Current trajectory is MoveS!\n"},
+    {"re_trajectory", QM_TRAJECTORY_REPLAY_PLANNING_E, Target::joints, "[qm_get_arm_current_trajectory] Current trajectory is Re-Trajectory!\n"},
 };
 
 const TrajectoryKind* kind_of(const char* text) {
@@ -60,7 +60,7 @@ int convert(const TrajectoryKind& kind, const cJSON* data, float* out) {
         if (out) out[i] = value;
         values += ' ' + std::to_string(value);
     }
-    qm_log_debug("[qm_get_arm_current_trajectory] Current trajectory is %s!\n", kind.name);
+    qm_log_text(LOG_LEVEL_DEBUG, kind.shown);
     qm_log_debug("[qm_get_arm_current_trajectory]%s\n", values.c_str());
     return size;
 }

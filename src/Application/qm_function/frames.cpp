@@ -92,12 +92,12 @@ int decode_payload(const cJSON* reply, qm_frame_t& frame) {
 int decode_current(const CurrentFrame& row, const char* text, qm_frame_t& frame) {
     JsonPtr root = json_parse(text);
     if (!cJSON_IsObject(root.get())) {
-        qm_log_error("%s", row.reply_err);
+        qm_log_text(LOG_LEVEL_ERROR, row.reply_err);
         return -1;
     }
     const char* name = MIO_JSON_GetObjectItemStr(root.get(), row.name_key);
     if (!name) {
-        qm_log_error("%s", row.name_err);
+        qm_log_text(LOG_LEVEL_ERROR, row.name_err);
         return -1;
     }
     copy_text(frame.frame_name, name, 10);
@@ -105,7 +105,7 @@ int decode_current(const CurrentFrame& row, const char* text, qm_frame_t& frame)
 
     int pose[6];
     if (!read_ints(MIO_JSON_GetObjectItem(root.get(), "pose"), 6, pose)) {
-        qm_log_error("%s", row.pose_err);
+        qm_log_text(LOG_LEVEL_ERROR, row.pose_err);
         return -1;
     }
     wire::pose_from6(pose, frame.pose);

@@ -50,10 +50,10 @@ int choose_entry(qm_socket_fifo_handle& fifo) {
     return -1;
 }
 
-void record_drag_point(const cJSON* tree, std::string_view line) {
+void record_drag_point(const cJSON* tree, const std::string& line) {
     if (!cJSON_IsArray(MIO_JSON_GetObjectItem(tree, "point"))) {
         drag_teach_save_state = 1;
-        qm_log_error("Error: 'point' is not an array. %.*s\n", static_cast<int>(line.size()), line.data());
+        qm_log_error("Error: 'point' is not an array. %s\n", line.c_str());
         return;
     }
     drag_teach_save_start = 1;
@@ -130,31 +130,40 @@ void fifo_file_line(qm_handle_t& record, std::string_view line) {
     if (!key) key = MIO_JSON_GetObjectItemStr(tree.get(), "command");
     if (!key) {
         lock.unlock();
-        record_drag_point(tree.get(), line);
+        record_drag_point(tree.get(), text);
         return;
     }
-    if (std::strlen(key) >= static_cast<size_t>(FIFO_KEY_MAX)) {
-        qm_log_error("[add_str_to_fifo] key of %zu characters refused\n", std::strlen(key));
+    const size_t key_len = std::strlen(key);
+    if (key_len >= static_cast<size_t>(FIFO_KEY_MAX)) {
+        qm_log_error("[add_str_to_fifo] key of %zu characters refused\n", key_len);
         return;
     }
-    const bool is_event = fill_event(record, tree.get(), key);
-    const qm_event_push_data_t event = event_data;
-    if (std::strcmp(key, kNeverStored) != 0) {
-        qm_socket_fifo& entry = fifo.fifo[index];
-        std::memcpy(entry.command, key, std::strlen(key) + 1);
-        std::memcpy(entry.str_json, line.data(), line.size());
-        entry.str_json[line.size()] = '\0';
-        qm_log_debug("fifo str_json %s----handle->fifo_handle->fifo->id %d\n", entry.str_json,
-                     static_cast<int>(entry.id));
-        entry.time = fifo.current_time;
-        entry.recevie_len = static_cast<int>(line.size());
-        entry.is_used = 1;
-        fifo.filed.notify_all();
+    // Every keyed line renames the chosen entry, even one that is then not stored.
+    qm_socket_fifo& entry = fifo.fifo[index];
+    std::memcpy(entry.command, key, key_len + 1);
+
+    // The application sees an event before the line is filed, so a blocking move never
+    // returns while the event callback still runs. The mailbox is open meanwhile: the
+    // callback may issue commands itself.
+    if (fill_event(record, tree.get(), key)) {
+        const qm_event_push_data_t event = event_data;
+        if (qm_event_callback_ptr callback = event_listener.event_callback.load()) {
+            lock.unlock();
+            callback(event);
+            lock.lock();
+        }
     }
-    lock.unlock();
-    // Outside the mailbox lock, so the callback may issue commands itself.
-    if (is_event)
-        if (qm_event_callback_ptr callback = event_listener.event_callback.load()) callback(event);
+    if (std::strcmp(key, kNeverStored) == 0) return;
+    // Again: a command may have taken and cleared the renamed entry while the callback ran.
+    std::memcpy(entry.command, key, key_len + 1);
+    std::memcpy(entry.str_json, line.data(), line.size());
+    entry.str_json[line.size()] = '\0';
+    qm_log_debug("fifo str_json %s----handle->fifo_handle->fifo->id %d\n", entry.str_json,
+                 static_cast<int>(entry.id));
+    entry.time = fifo.current_time;
+    entry.recevie_len = static_cast<int>(line.size());
+    entry.is_used = 1;
+    fifo.filed.notify_all();
 }
 
 int fifo_take_line(qm_socket_fifo_handle& fifo, const char* command, char* str, int str_len) {

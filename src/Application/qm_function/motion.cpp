@@ -148,12 +148,10 @@ int stream(const char* caller, qm_robot_handle* handle, const Request& req) {
     return send_only(caller, handle, req, milliseconds(0));
 }
 
-// The radio bound of each trajectory mode; a larger radio only warns.
-void warn_radio(const char* caller, const char* record, int trajectory_mode, int radio) {
+// The radio bound of each trajectory mode; a larger radio only warns and still goes out.
+bool radio_too_large(int trajectory_mode, int radio) {
     constexpr int kRadioMax[] = {0, 100, 1000};
-    if (trajectory_mode < 0 || trajectory_mode > 2) return;
-    if (radio > kRadioMax[trajectory_mode])
-        qm_log_warn("[%s] %s config warn, invaild radio: %d!\n", caller, record, radio);
+    return trajectory_mode >= 0 && trajectory_mode <= 2 && radio > kRadioMax[trajectory_mode];
 }
 
 }  // namespace
@@ -243,7 +241,8 @@ int qm_movec(qm_robot_handle* handle, qm_pose_t pose_via, qm_pose_t pose_to, int
 // ---- streamed targets ----
 
 int qm_movej_canfd(qm_robot_handle* handle, qm_movej_canfd_mode_t config) {
-    warn_radio(__func__, "qm_movej_canfd_mode_t", config.trajectory_mode, config.radio);
+    if (radio_too_large(config.trajectory_mode, config.radio))
+        qm_log_warn("[%s] qm_movej_canfd_mode_t config warn, invaild radio: %d!\n", __func__, config.radio);
     auto target = joint_target(__func__, handle, config.joint);
     if (!target) return -1;
     Request req("movej_canfd");
@@ -256,7 +255,8 @@ int qm_movej_canfd(qm_robot_handle* handle, qm_movej_canfd_mode_t config) {
 }
 
 int qm_movep_canfd(qm_robot_handle* handle, qm_movep_canfd_mode_t config) {
-    warn_radio(__func__, "qm_movep_canfd_mode_t", config.trajectory_mode, config.radio);
+    if (radio_too_large(config.trajectory_mode, config.radio))
+        qm_log_warn("[%s] qm_movep_canfd_mode_t config warn, invaild radio: %d!\n", __func__, config.radio);
     Request req("movep_canfd");
     req.boolean("follow", config.follow);
     add_pose_target(req, config.pose);

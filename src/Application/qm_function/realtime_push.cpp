@@ -1,6 +1,7 @@
 // Configuring the controller's realtime push, and learning its port.
 #include <cstdio>
 #include <cstring>
+#include <string>
 
 #include "log.h"
 #include "mio_json.h"
@@ -78,8 +79,8 @@ int validate(const qm_realtime_push_config_t& config) {
     }
     const size_t ip_len = strnlen(config.ip, sizeof config.ip);
     if (ip_len < kIpMin || ip_len > kIpMax) {
-        qm_log_error("[%s] set realtime push config error, invaild ip: %.*s!\n", "qm_set_realtime_push",
-                     static_cast<int>(ip_len), config.ip);
+        const std::string ip(config.ip, ip_len);  // the caller's field need not be terminated
+        qm_log_error("[%s] set realtime push config error, invaild ip: %s!\n", "qm_set_realtime_push", ip.c_str());
         return -4;
     }
     return 0;

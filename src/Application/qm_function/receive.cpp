@@ -3,6 +3,7 @@
 
 #include <array>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "log.h"
@@ -44,8 +45,11 @@ void read_connection(qm_handle_t& record, Reader& reader, char* buf) {
     reader.lines.append(std::string_view(buf, static_cast<size_t>(length)));
     std::string_view line;
     while (reader.lines.next_line(line)) {
-        qm_log_debug("thread_socket_receive len %d robot_handle: %d message:%.*s\n", length,
-                     record.robot_handle.id, static_cast<int>(line.size()), line.data());
+        if (qm_log_enabled(LOG_LEVEL_DEBUG)) {
+            const std::string text(line);
+            qm_log_debug("thread_socket_receive len %d robot_handle: %d message:%s\n", length,
+                         record.robot_handle.id, text.c_str());
+        }
         fifo_file_line(record, line);
     }
 }

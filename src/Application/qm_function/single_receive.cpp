@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string>
 #include <memory>
 #include <string_view>
 
@@ -38,8 +39,11 @@ void record_drag_point(const qm_handle_t& record, std::string_view line) {
         return;
     }
     drag_teach_save_state = 0;
-    qm_log_debug("drag_save len %d robot_handle: %d drag_save:%.*s\n", static_cast<int>(line.size()),
-                 record.robot_handle.id, static_cast<int>(line.size()), line.data());
+    if (qm_log_enabled(LOG_LEVEL_DEBUG)) {
+        const std::string text(line);
+        qm_log_debug("drag_save len %d robot_handle: %d drag_save:%s\n", static_cast<int>(line.size()),
+                     record.robot_handle.id, text.c_str());
+    }
 }
 
 // A complete line in `frame`: the reply's length when its key is `command`, else 0.

@@ -33,12 +33,15 @@ struct ForceSuffix {
 constexpr ForceSuffix kForceSuffixes[] = {
     {"-B", QM_MODEL_QM_B_E}, {"-ZF", QM_MODEL_QM_ZF_E}, {"-6FB", QM_MODEL_QM_ISF_E}, {"-6F", QM_MODEL_QM_SF_E}};
 
-// One text member of a section: its key, the label its log lines carry, where it is copied to
-// and the code a missing member fails with.
+// The two log texts of a member labelled `label`: its parse error and its debug line.
+#define MEMBER_TEXTS(label) SOFTWARE_INFO label " parse err\n", SOFTWARE_INFO label ": %s\n"
+
+// One text member of a section: its key, its log texts, where it is copied to and the code a
+// missing member fails with.
 struct TextMember {
     template <std::size_t N>
-    TextMember(const char* key, const char* label, char (&field)[N], std::size_t max_chars = N)
-        : key(key), label(label), field(field), field_size(N), max_chars(max_chars) {}
+    TextMember(const char* key, const char* missing, const char* found, char (&field)[N], std::size_t max_chars = N)
+        : key(key), missing(missing), found(found), field(field), field_size(N), max_chars(max_chars) {}
 
     TextMember failing_with(int code) const {
         TextMember member = *this;
@@ -47,7 +50,8 @@ struct TextMember {
     }
 
     const char* key;
-    const char* label;
+    const char* missing;
+    const char* found;
     char* field;
     std::size_t field_size;
     std::size_t max_chars;
@@ -59,11 +63,11 @@ int read_texts(const cJSON* section, std::initializer_list<TextMember> members) 
     for (const TextMember& member : members) {
         const char* text = MIO_JSON_GetObjectItemStr(section, member.key);
         if (!text) {
-            qm_log_error(SOFTWARE_INFO "%s parse err\n", member.label);
+            qm_log_text(LOG_LEVEL_ERROR, member.missing);
             return member.failure;
         }
         copy_text(member.field, member.field_size, text, member.max_chars);
-        qm_log_debug(SOFTWARE_INFO "%s: %s\n", member.label, member.field);
+        qm_log_debug(member.found, member.field);
     }
     return 0;
 }
@@ -77,12 +81,12 @@ int read_generation4(const cJSON* reply, qm_arm_software_version_t& info) {
         return -3;
     }
     // -1 and not -3 for the program version is intended.
-    const TextMember version = TextMember("version", "program version", info.program_info.version).failing_with(-1);
-    if (int rc = read_texts(program, {version, {"build_time", "program build time", info.program_info.build_time}}))
+    const TextMember version = TextMember("version", MEMBER_TEXTS("program version"), info.program_info.version).failing_with(-1);
+    if (int rc = read_texts(program, {version, {"build_time", MEMBER_TEXTS("program build time"), info.program_info.build_time}}))
         return rc;
     if (const cJSON* com = MIO_JSON_GetObjectItem(reply, "communication_info"))
-        return read_texts(com, {{"version", "communication version", info.com_info.version},
-                                {"build_time", "communication build time", info.com_info.build_time}});
+        return read_texts(com, {{"version", MEMBER_TEXTS("communication version"), info.com_info.version},
+                                {"build_time", MEMBER_TEXTS("communication build time"), info.com_info.build_time}});
     return 0;
 }
 
@@ -95,7 +99,7 @@ int decode(const char* text, qm_arm_software_version_t& info) {
     const cJSON* reply = root.get();
     info = {};
 
-    if (int rc = read_texts(reply, {{"Product_version", "Product version", info.product_version}})) return rc;
+    if (int rc = read_texts(reply, {{"Product_version", MEMBER_TEXTS("Product version"), info.product_version}})) return rc;
 
     if (const char* generation = MIO_JSON_GetObjectItemStr(reply, "robot_controller_version")) {
         copy_text(info.robot_controller_version, generation);
@@ -105,25 +109,25 @@ int decode(const char* text, qm_arm_software_version_t& info) {
     }
 
     if (const cJSON* algorithm = MIO_JSON_GetObjectItem(reply, "algorithm_info")) {
-        if (int rc = read_texts(algorithm, {{"version", "Algorithm version", info.algorithm_info.version}})) return rc;
+        if (int rc = read_texts(algorithm, {{"version", MEMBER_TEXTS("Algorithm version"), info.algorithm_info.version}})) return rc;
     }
 
     const cJSON* ctrl = MIO_JSON_GetObjectItem(reply, "ctrl_info");
     if (ctrl) {
-        if (int rc = read_texts(ctrl, {{"version", "Ctrl version", info.ctrl_info.version},
-                                       {"build_time", "Ctrl build Time", info.ctrl_info.build_time}}))
+        if (int rc = read_texts(ctrl, {{"version", MEMBER_TEXTS("Ctrl version"), info.ctrl_info.version},
+                                       {"build_time", MEMBER_TEXTS("Ctrl build Time"), info.ctrl_info.build_time}}))
             return rc;
     }
 
     if (const cJSON* dynamic = MIO_JSON_GetObjectItem(reply, "dynamic_info")) {
-        if (int rc = read_texts(dynamic, {{"model_version", "Dynamic model version", info.dynamic_info.model_version}}))
+        if (int rc = read_texts(dynamic, {{"model_version", MEMBER_TEXTS("Dynamic model version"), info.dynamic_info.model_version}}))
             return rc;
     }
 
     // The plan versions are read from "ctrl_info", not from "plan_info": intended.
     if (MIO_JSON_GetObjectItem(reply, "plan_info"))
-        return read_texts(ctrl, {{"version", "Plan version", info.plan_info.version, 8},
-                                 {"build_time", "Plan build Time", info.plan_info.build_time, 18}});
+        return read_texts(ctrl, {{"version", MEMBER_TEXTS("Plan version"), info.plan_info.version, 8},
+                                 {"build_time", MEMBER_TEXTS("Plan build Time"), info.plan_info.build_time, 18}});
     return 0;
 }
 

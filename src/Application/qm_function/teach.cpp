@@ -66,6 +66,7 @@ int step_block(const char* caller, qm_robot_handle* handle, const Request& req, 
                   .trajectory_type = shown_as,
                   .event_timeout_ms = 1000,
                   .poll_first = true,
+                  .seen_pause_ms = 100,
                   .idle_polls = 10};
     return qm_wait_move_arrival(handle, wait, block);
 }

@@ -1,0 +1,191 @@
+// Every text the library hands to its log sink as a format. A sink sees the format, not the
+// formatted message, so these are what users filter and match on: a new message joins this
+// list only together with the code that emits it.
+#include "log_texts.h"
+
+#include <mutex>
+#include <unordered_set>
+
+namespace qm_test {
+
+namespace {
+std::mutex g_mutex;
+std::unordered_set<const char*> g_formats;  // by address: cheap on every message
+}  // namespace
+
+void note_log_format(const char* format) {
+    if (!format) return;
+    std::lock_guard lock(g_mutex);
+    g_formats.insert(format);
+}
+
+std::vector<std::string> noted_log_formats() {
+    std::lock_guard lock(g_mutex);
+    return {g_formats.begin(), g_formats.end()};
+}
+
+void noting_sink(const char* format, va_list) { note_log_format(format); }
+
+const std::set<std::string>& known_log_texts() {
+    static const std::set<std::string> texts = {
+    "[%s] %s send error\n",
+    "Unknown force type: %s\n",
+    "Error creating thread thread_id: %d\n",
+    "Error creating thread thread_udp_id: %d\n",
+    "[qm_create_robot_arm] robot num is max",
+    "[qm_create_robot_arm] get robot info err!\n",
+    "[qm_create_robot_arm] socket connect err!\n",
+    "not find handle\n",
+    "[%s] handle is NULL!\n",
+    "[%s] The robotic arm has been disconnected\n",
+    "Send command: Invalid input",
+    "Failed to print JSON",
+    "Failed to allocate memory",
+    "send is: %s send err: %d\n",
+    "send is: %s \n",
+    "[%s] %s revice error\n",
+    "[%s] %s save_trajectory complete\n",
+    "drag_save len %d robot_handle: %d drag_save:%s\n",
+    "thread_socket_receive len %d robot_handle: %d message:%s\n",
+    "服务器已关闭!\n",
+    "drag_teach_count:  %d  drag_teach_total_num: %d\n",
+    "Error: 'point' is not an array. %s\n",
+    "fifo str_json %s----handle->fifo_handle->fifo->id %d\n",
+    "Error parsing JSON\n",
+    "[%s] %s parsing error\n",
+    "[%s] %s parse result: %d\n",
+    "[%s] %s is not a string\n",
+    "[%s] %s parse result: %s\n",
+    "[%s] %s is not an array\n",
+    "[%s] Array size mismatch for key %s\n",
+    "[%s] %s parse result:\n",
+    " %d\n",
+    "[%s] Unsupported JSON value type for key %s\n",
+    "[%s] %s: false\n",
+    "[%s] %s: true\n",
+    "[%s] %s command parse err\n",
+    "[%s] %s parse err\n",
+    "Set command parse err\n",
+    "Move command parse err\n",
+    "Move command result is: true, current Device: %d, trajectory_connect: %d\n",
+    "Move command result is: false, current Device: %d, trajectory_connect: %d\n",
+    "[%s] current device is: %d \n",
+    "[qm_get_arm_current_trajectory] Data type parse err\n",
+    "[qm_get_arm_current_trajectory] Get arm current trajectory parse err\n",
+    "[qm_get_arm_current_trajectory] Current trajectory is MoveJ!\n",
+    "[qm_get_arm_current_trajectory] Current trajectory is MoveL!\n",
+    "[qm_get_arm_current_trajectory] Current trajectory is MoveC!\n",
+    "[qm_get_arm_current_trajectory] Current trajectory is MoveS!\n",
+    "[qm_get_arm_current_trajectory] Current trajectory is Re-Trajectory!\n",
+    "[qm_get_arm_current_trajectory] Current trajectory is None!\n",
+    "[%s] set realtime push config error, invaild cycle: %d!\n",
+    "[%s] set realtime push config error, invaild port:%d !\n",
+    "[%s] set realtime push config error, invaild ip: %s!\n",
+    "[%s]Force sensors are not supported! \n",
+    "current thread mode %d realtime push config.enable: %d\n",
+    "udp add port %d result: %d\n",
+    "qm_arm_state_callback qm_arm_state_callback qm_arm_state_callback\n",
+    "[qm_realtime_arm_joint_state] parse err\n",
+    "[qm_realtime_arm_joint_state] parse qm_plus_state :%s\n",
+    "buf:is %s\n",
+    "[%s] trajectory_connect check err! \n",
+    "send is: %s\n",
+    "[%s] qm_movej_canfd_mode_t config warn, invaild radio: %d!\n",
+    "[%s] qm_movep_canfd_mode_t config warn, invaild radio: %d!\n",
+    "[%s] Failed to create the tool frame system, please check if the name already exists",
+    "[%s] Set tool envelope return false! You can check if the tool frame exists.\n",
+    "[%s] parser error!",
+    "[%s] Get tool envelope return false! You can check if the tool frame exists.\n",
+    "[get_current_tool_frame] Current tool frame parse err\n",
+    "[get_current_tool_frame] Tool frame Name parse err\n",
+    "[get_current_tool_frame] Tool frame pose parse err\n",
+    "[get_current_tool_frame] Tool frame payload parse err\n",
+    "[get_current_tool_frame] Tool frame position parse err\n",
+    "[get_current_tool_frame] Tool frame Name: %s\n",
+    "[get_current_tool_frame] Tool frame pose: (%.3f, %.3f, %.3f, %.3f, %.3f, %.3f)\n",
+    "[get_current_tool_frame] Tool frame payloda: %.3f\n",
+    "[get_current_tool_frame] Tool frame position: (%.3f, %.3f, %.3f)\n",
+    "[get_current_work_frame] Current Work frame parse err\n",
+    "[get_current_work_frame] Work frame Name parse err\n",
+    "[get_current_work_frame] Work frame pose parse err\n",
+    "[get_current_work_frame] Work frame Name: %s\n",
+    "[get_current_work_frame] Work frame pose: (%.3f, %.3f, %.3f, %.3f, %.3f, %.3f)\n",
+    "Get total frame name parse err\n",
+    "[qm_get_arm_software_info] Arm software info parse err\n",
+    "[qm_get_arm_software_info] Product version: %s\n",
+    "[qm_get_arm_software_info] Product version parse err\n",
+    "[qm_get_arm_software_info] program info parse err\n",
+    "[qm_get_arm_software_info] program version parse err\n",
+    "[qm_get_arm_software_info] program build time parse err\n",
+    "[qm_get_arm_software_info] communication version parse err\n",
+    "[qm_get_arm_software_info] communication build time parse err\n",
+    "[qm_get_arm_software_info] Algorithm version parse err\n",
+    "[qm_get_arm_software_info] Ctrl version parse err\n",
+    "[qm_get_arm_software_info] Ctrl build Time parse err\n",
+    "[qm_get_arm_software_info] Dynamic model version parse err\n",
+    "[qm_get_arm_software_info] Plan version parse err\n",
+    "[qm_get_arm_software_info] Plan build Time parse err\n",
+    "[qm_get_arm_software_info] program version: %s\n",
+    "[qm_get_arm_software_info] program build time: %s\n",
+    "[qm_get_arm_software_info] communication version: %s\n",
+    "[qm_get_arm_software_info] communication build time: %s\n",
+    "[qm_get_arm_software_info] Algorithm version: %s\n",
+    "[qm_get_arm_software_info] Ctrl version: %s\n",
+    "[qm_get_arm_software_info] Ctrl build Time: %s\n",
+    "[qm_get_arm_software_info] Dynamic model version: %s\n",
+    "[qm_get_arm_software_info] Plan version: %s\n",
+    "[qm_get_arm_software_info] Plan build Time: %s\n",
+    "Non-standard arm model: %s\n",
+    "it is not in Modbus-RTU mode, and the modbus_timeout field does not exist.\n",
+    "%s parsing error\n",
+    "%s parse result: %d\n",
+    "%s is not an array\n",
+    "Array size mismatch for key %s\n",
+    "%s parse result:\n",
+    "%s is not a string\n",
+    "%s parse result: %s\n",
+    "Unsupported JSON value type for key %s\n",
+    "input param error...",
+    "[%s] block is %d\n",
+    "[%s] timeout error\n",
+    "arm force type check err!",
+    "Non-six-dimensional force version, The configuration for singular_wall and the values in free_axes array are invalid.\n",
+    "QM_MODEL_QM_B_E not support force drag mode\n",
+    "[%s] qm_force_position_move_t param warn, invaild radio: %d!\n",
+    "[%s] get program trajectory list parser error!\n",
+    "[%s] get program run state parser error!\n",
+    "[%s] get flowchart run state parser error!\n",
+    "Failed to get robot info",
+    "Invalid degree of freedom",
+    "Failed to open file: %s\n",
+    "Error opening file",
+    "Save As: [%s]\n",
+    "File name check error!\n",
+    "File open failed\n",
+    "Failed to get file size\n",
+    "Memory allocation failed\n",
+    "Failed to read entire file\n",
+    "[qm_run_project] failed\n",
+    "[%s] File open error!",
+    "[%s] Save state: false\n",
+    "[%s] Save trajectory err\n",
+    "[%s] Save trajectory parse err\n",
+    "[%s] Trajectory total num parse err\n",
+    "The file is closed\n",
+    "Get fence list names parse err\n",
+    "The given electronic fence name does not exist!\n",
+    "Configuration error for the form of the newly added electronic fence! Wrong form: %d\n",
+    "electronic fence form check err!!",
+    "virtual wall form check err!\n",
+    "The robotic arm is not connected!",
+        // Refusals of over-long controller input, which the protocol leaves to us.
+        "[add_str_to_fifo] line of %zu bytes refused\n",
+        "[add_str_to_fifo] key of %zu characters refused\n",
+        "[thread_socket_receive] line longer than %d bytes refused\n",
+        // The values of the planned trajectory, after the line that names it.
+        "[qm_get_arm_current_trajectory]%s\n",
+    };
+    return texts;
+}
+
+}  // namespace qm_test
