@@ -180,8 +180,17 @@ void Simulator::accept(int arm) {
     for (;;) {
         sockaddr_in peer{};
         socklen_t len = sizeof peer;
-        Fd fd(::accept4(listeners_[static_cast<std::size_t>(arm)].get(), reinterpret_cast<sockaddr*>(&peer),
-                        &len, SOCK_NONBLOCK | SOCK_CLOEXEC));
+        const int listener = listeners_[static_cast<std::size_t>(arm)].get();
+        Fd fd(::accept4(listener, reinterpret_cast<sockaddr*>(&peer), &len, SOCK_NONBLOCK | SOCK_CLOEXEC));
+        if (!fd && (errno == EMFILE || errno == ENFILE || errno == ENOBUFS || errno == ENOMEM)) {
+            // The waiting client stays readable: listen again a little later instead of spinning.
+            log_.note("arm " + std::to_string(arm + 1) + ": cannot accept a client now (out of descriptors)");
+            loop_.unwatch(listener);
+            loop_.at(EventLoop::Clock::now() + std::chrono::seconds(1), [this, arm, listener] {
+                loop_.watch(listener, EPOLLIN, [this, arm](std::uint32_t) { accept(arm); });
+            });
+            return;
+        }
         if (!fd) return;
         const int one = 1;
         ::setsockopt(fd.get(), IPPROTO_TCP, TCP_NODELAY, &one, sizeof one);
