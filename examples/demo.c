@@ -180,9 +180,11 @@ static void show_state(qm_robot_handle* arm) {
     float temperature[ARM_DOF];
     if (qm_get_current_arm_state(arm, &state) == 0) {
         print_joints("state:     ", state.joint);
-        printf("\n            pose (%.3f, %.3f, %.3f) m, (%.3f, %.3f, %.3f) rad, %d error code(s)\n",
+        int errors = 0; /* the controller lists a 0 when there is none */
+        for (int i = 0; i < state.err.err_len; ++i) errors += state.err.err[i] != 0;
+        printf("\n            pose (%.3f, %.3f, %.3f) m, (%.3f, %.3f, %.3f) rad, %d error(s)\n",
                state.pose.position.x, state.pose.position.y, state.pose.position.z, state.pose.euler.rx,
-               state.pose.euler.ry, state.pose.euler.rz, state.err.err_len);
+               state.pose.euler.ry, state.pose.euler.rz, errors);
     }
     if (qm_get_current_joint_temperature(arm, temperature) == 0)
         print_joints("            temperatures", temperature);
