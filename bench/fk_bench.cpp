@@ -59,6 +59,19 @@ void closed_form(benchmark::State& state, int robot_type, Matrix (*routine)(cons
     state.SetItemsProcessed(state.iterations());
 }
 
+// The model dispatch as the pose variants use it: the table's structure is checked, then the
+// closed form runs.
+void dispatched(benchmark::State& state, int robot_type) {
+    Workload w;
+    if (!prepare(robot_type, w, state)) return;
+    std::size_t i = 0;
+    for (auto _ : state) {
+        Matrix m = forward_kinematics_model(robot_type, &w.dh, w.joints[i++ & (kSamples - 1)].data());
+        benchmark::DoNotOptimize(m);
+    }
+    state.SetItemsProcessed(state.iterations());
+}
+
 void kdl_recursive(benchmark::State& state, int robot_type) {
     Workload w;
     if (!prepare(robot_type, w, state)) return;
@@ -75,8 +88,10 @@ void kdl_recursive(benchmark::State& state, int robot_type) {
 }  // namespace
 
 BENCHMARK_CAPTURE(closed_form, QM65, QM65, forward_kinematics_qm65);
+BENCHMARK_CAPTURE(dispatched, QM65, QM65);
 BENCHMARK_CAPTURE(kdl_recursive, QM65, QM65);
 BENCHMARK_CAPTURE(closed_form, QM75, QM75, forward_kinematics_qm75);
+BENCHMARK_CAPTURE(dispatched, QM75, QM75);
 BENCHMARK_CAPTURE(kdl_recursive, QM75, QM75);
 
 BENCHMARK_MAIN();

@@ -4,7 +4,9 @@
 // Timing uses a tracking seed: the reference is the target's joints plus a perturbation of
 // up to one control period of travel (2 ms at about 225 deg/s), as when following a path.
 // Before the timings the program prints the success rates within the joint limits, from
-// the tracking seed and from a random seed inside the limits.
+// the tracking seed and from a random seed inside the limits, and for the seven-joint models
+// how far the answer lies from a reference 2 degrees (normal noise per joint) off the target's
+// joints, with the per-call cost of that search.
 
 #include <benchmark/benchmark.h>
 
@@ -13,7 +15,9 @@
 #include <kdl/chainiksolverpos_nr_jl.hpp>
 #include <kdl/chainiksolvervel_pinv.hpp>
 
+#include <algorithm>
 #include <array>
+#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -37,6 +41,7 @@ using Joints = reference::Joints;
 
 constexpr int kTargets = 1000;
 constexpr float kTrackingStep = 0.008f;  // rad, one control period of travel
+constexpr float kNoisyReference = 2.0f * static_cast<float>(DEG2RAD);  // rad, standard deviation
 
 struct Workload {
     RobotType type;
@@ -47,6 +52,7 @@ struct Workload {
     std::vector<Joints> truth;
     std::vector<Joints> tracking_seed;
     std::vector<Joints> random_seed;
+    std::vector<Joints> noisy_seed;
     std::vector<Pose> pose;
     std::vector<Matrix> flange;
     std::vector<KDL::Frame> frame;
@@ -96,10 +102,16 @@ Workload make_workload(RobotType type) {
     w.random_seed = reference::random_joints_within_limits(kTargets, 5678u + type);
     std::mt19937 rng(91u + type);
     std::uniform_real_distribution<float> step(-kTrackingStep, kTrackingStep);
+    std::mt19937 noise_rng(191u + type);  // its own, so the tracking seeds stay as they were
+    std::normal_distribution<float> noise(0.0f, kNoisyReference);
     for (const Joints& q : w.truth) {
-        Joints seed = q;
-        for (int j = 0; j < w.dof; ++j) seed[j] = std::fmin(w.hi[j], std::fmax(w.lo[j], q[j] + step(rng)));
+        Joints seed = q, noisy = q;
+        for (int j = 0; j < w.dof; ++j) {
+            seed[j] = std::fmin(w.hi[j], std::fmax(w.lo[j], q[j] + step(rng)));
+            noisy[j] += noise(noise_rng);
+        }
         w.tracking_seed.push_back(seed);
+        w.noisy_seed.push_back(noisy);
         const Matrix m = forward_kinematics_model(type, &w.dh, q.data());
         w.flange.push_back(m);
         w.pose.push_back(transformation_matrix_to_pose(m));
@@ -200,12 +212,40 @@ void print_success_rates(RobotType type, const char* name) {
     }
 }
 
-void BM_Ours(benchmark::State& state, RobotType type) {
+double percentile(std::vector<double> v, double p) {
+    std::sort(v.begin(), v.end());
+    return v[static_cast<std::size_t>(p * static_cast<double>(v.size() - 1))];
+}
+
+// Largest joint difference of the answer from the noisy reference, and the cost of each call.
+void print_noisy_reference(RobotType type, const char* name) {
+    const Workload& w = workload(type);
+    std::vector<double> degrees, micros;
+    for (int i = 0; i < kTargets; ++i) {
+        float q[ROBOT_DOF] = {};
+        const Joints& ref = w.noisy_seed[static_cast<std::size_t>(i)];
+        const auto start = std::chrono::steady_clock::now();
+        const int rc = inverse_kinematics(ref.data(), &w.pose[static_cast<std::size_t>(i)], q, USE_QUAT);
+        micros.push_back(std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - start).count());
+        double worst = rc == IKINE_SUCCESSFUL ? 0.0 : INFINITY;
+        for (int j = 0; j < w.dof; ++j) worst = std::fmax(worst, std::fabs(double(q[j]) - ref[j]) * RAD2DEG);
+        degrees.push_back(worst);
+    }
+    const auto far = std::count_if(degrees.begin(), degrees.end(), [](double d) { return d > 30.0; });
+    std::printf("%-7s answer from a reference 2 deg off (deg, largest joint): median %.2f p99 %.2f max %.2f, "
+                "%ld beyond 30\n        cost per call (us): median %.2f p99 %.2f max %.2f\n",
+                name, percentile(degrees, 0.5), percentile(degrees, 0.99), percentile(degrees, 1.0),
+                static_cast<long>(far), percentile(micros, 0.5), percentile(micros, 0.99), percentile(micros, 1.0));
+}
+
+using Seeds = std::vector<Joints> Workload::*;
+
+void BM_Ours(benchmark::State& state, RobotType type, Seeds seeds) {
     const Workload& w = workload(type);
     float q[ROBOT_DOF];
     std::size_t i = 0;
     for (auto _ : state) {
-        benchmark::DoNotOptimize(inverse_kinematics(w.tracking_seed[i].data(), &w.pose[i], q, USE_QUAT));
+        benchmark::DoNotOptimize(inverse_kinematics((w.*seeds)[i].data(), &w.pose[i], q, USE_QUAT));
         benchmark::ClobberMemory();
         i = (i + 1) % kTargets;
     }
@@ -272,12 +312,14 @@ void BM_Kdl(benchmark::State& state, RobotType type, bool lma) {
     }
 }
 
-BENCHMARK_CAPTURE(BM_Ours, QM65, QM65);
+BENCHMARK_CAPTURE(BM_Ours, QM65, QM65, &Workload::tracking_seed);
 BENCHMARK_CAPTURE(BM_OursAllBranches, QM65, QM65);
 BENCHMARK_CAPTURE(BM_Bridge, QM65, QM65);
 BENCHMARK_CAPTURE(BM_Kdl, QM65_NR_JL, QM65, false);
 BENCHMARK_CAPTURE(BM_Kdl, QM65_LMA, QM65, true);
-BENCHMARK_CAPTURE(BM_Ours, QM75, QM75);
+BENCHMARK_CAPTURE(BM_Ours, QM75, QM75, &Workload::tracking_seed);
+BENCHMARK_CAPTURE(BM_Ours, QM75_NoisyReference, QM75, &Workload::noisy_seed);
+BENCHMARK_CAPTURE(BM_Ours, TAV72_NoisyReference, TAV72, &Workload::noisy_seed);
 BENCHMARK(BM_OursAtArmAngle);
 BENCHMARK_CAPTURE(BM_Bridge, QM75, QM75);
 BENCHMARK_CAPTURE(BM_Kdl, QM75_NR_JL, QM75, false);
@@ -290,6 +332,9 @@ int main(int argc, char** argv) {
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
     print_success_rates(QM65, "QM65");
     print_success_rates(QM75, "QM75");
+    print_noisy_reference(QM75, "QM75");
+    print_noisy_reference(TAV72, "TAV72");
+    print_noisy_reference(TAV72II, "TAV72II");
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
     return 0;

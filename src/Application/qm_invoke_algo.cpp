@@ -207,7 +207,7 @@ qm_inverse_kinematics_all_solve_t invoke_from_ik_solve(const IkSolve& s) {
     return out;
 }
 
-int invoke_ik_form(uint8_t flag) { return flag == 0 ? USE_QUAT : flag; }
+int invoke_ik_form(uint8_t flag) { return flag == 0 ? USE_QUAT : USE_EULER; }
 
 int invoke_inverse_kinematics(const float* q_in, const qm_pose_t& target, int form, float* q_out) {
     const JointRadians q_ref = invoke_rad_of(q_in);

@@ -3,19 +3,33 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cmath>
 #include <cstring>
 #include <memory>
 
 #include "algo_api.h"
 #include "fake_controller.h"
+#include "kinematics_reference.h"
 #include "log_capture.h"
 #include "qm_interface.h"
+#include "qm_invoke_algo.h"
 
 namespace {
 
 using Joints = std::array<float, ARM_DOF>;
 
 constexpr double kDegToRad = 0.017453292519943295;
+
+// The flange position for joint degrees equals the link product of the table in use.
+void expect_flange_from_the_table_in_use(const Joints& deg, bool standard) {
+    DH dh;
+    libalgo_get_dh_value(&dh);
+    float rad[ROBOT_DOF] = {};
+    for (int i = 0; i < libalgo_get_rbt_dof(); ++i) rad[i] = static_cast<float>(deg[i] * kDegToRad);
+    const Matrix m = Forward_Kinematics_e(deg.data());
+    const auto chain = reference::dh_chain(dh, rad, libalgo_get_rbt_dof(), standard);
+    for (int i = 0; i < 3; ++i) EXPECT_NEAR(m.data[i][3], chain[i][3], 1e-6) << "row " << i;
+}
 
 class BridgeConfig : public ::testing::Test {
 protected:
@@ -143,6 +157,26 @@ TEST_F(BridgeConfig, DhTableReplacesTheOneInUseAndKeepsTheCalibrationErrors) {
     EXPECT_FLOAT_EQ(lib.err_d[0], 0.001f);
 }
 
+TEST_F(BridgeConfig, CalibratedTableCountsAtOnceInBothDirections) {
+    const Joints q = {10, 20, 30, 40, 50, 60};
+    const qm_pose_t nominal = qm_algo_forward_kinematics(nullptr, q.data());
+    qm_dh_t dh = qm_algo_get_dh();
+    dh.a[0] = 0.001f;       // QM65's table has no such length
+    dh.alpha[3] += 0.01f;   // nor such a twist
+    qm_algo_set_dh(dh);
+    const qm_pose_t calibrated = qm_algo_forward_kinematics(nullptr, q.data());
+    EXPECT_GT(std::hypot(calibrated.position.x - nominal.position.x, calibrated.position.y - nominal.position.y,
+                         calibrated.position.z - nominal.position.z),
+              1e-3f);
+    expect_flange_from_the_table_in_use(q, false);
+    qm_inverse_kinematics_params_t params{};
+    std::copy(q.begin(), q.end(), params.q_in);
+    params.q_pose = calibrated;
+    Joints out{};
+    ASSERT_EQ(qm_algo_inverse_kinematics(nullptr, params, out.data()), 0);
+    for (int i = 0; i < 6; ++i) EXPECT_NEAR(out[i], q[i], 1e-3f) << "joint " << i;
+}
+
 // The synchronisation stores a connected arm's configuration in the connection, and every
 // bridge call with its handle loads that configuration first, replacing the offline one.
 TEST_F(BridgeConfig, ConnectedHandleLoadsTheArmsModelFramesLimitsAndTable) {
@@ -175,6 +209,8 @@ TEST_F(BridgeConfig, ConnectedHandleLoadsTheArmsModelFramesLimitsAndTable) {
     qm_algo_get_joint_max_speed(speed.data());
     EXPECT_NEAR(speed[0], 180.0f, 1e-3f);
     EXPECT_NEAR(qm_algo_get_dh().alpha[1], 1.571f, 1e-6f);
+    // The reported twists are thousandths of a radian, 2e-4 off a right angle: they count too.
+    expect_flange_from_the_table_in_use({10, 20, 30, 40, 50, 60}, false);
 }
 
 }  // namespace

@@ -80,6 +80,53 @@ TEST_F(BridgeKinematics, QuaternionOutsideTheNormBandIsRefusedBeforeSolving) {
     EXPECT_EQ(qm_algo_inverse_kinematics(nullptr, request(q_, target, 1), out.data()), 0);
 }
 
+TEST_F(BridgeKinematics, EveryNonZeroFlagReadsTheEulerAngles) {
+    qm_pose_t target = qm_algo_forward_kinematics(nullptr, q_.data());
+    target.quaternion = {0, 0, 0, 0};  // only the Euler angles say where the tool points
+    for (const uint8_t flag : {1, 2, 7, 255}) {
+        Joints out{};
+        ASSERT_EQ(qm_algo_inverse_kinematics(nullptr, request(q_, target, flag), out.data()), 0) << int(flag);
+        for (int i = 0; i < 6; ++i) EXPECT_NEAR(out[i], q_[i], 1e-2f) << "flag " << int(flag) << " joint " << i;
+        const qm_inverse_kinematics_all_solve_t all = qm_algo_inverse_kinematics_all(nullptr, request(q_, target, flag));
+        ASSERT_EQ(all.num, 8) << int(flag);
+        const qm_pose_t reached = qm_algo_forward_kinematics(nullptr, all.q_solve[0]);
+        const qm_quat_t want = qm_algo_euler2quaternion(target.euler), got = reached.quaternion;
+        EXPECT_NEAR(std::fabs(want.w * got.w + want.x * got.x + want.y * got.y + want.z * got.z), 1.0f, 1e-5f)
+            << int(flag);
+    }
+}
+
+TEST_F(BridgeKinematics, RoundTripsCloseInTheBaseFrameAndThroughTheQuaternionNearNinetyDegreesPitch) {
+    const auto expect_joints = [](const Joints& got, const Joints& want, float tol) {
+        for (int i = 0; i < 6; ++i) EXPECT_NEAR(got[i], want[i], tol) << "joint " << i;
+    };
+    // Forward kinematics reports the pose in the work frame; inverse kinematics wants it in the base.
+    qm_frame_t work{};
+    work.pose.position = {0.1f, -0.2f, 0.05f};
+    work.pose.euler = {0, 0, 0.5f};
+    qm_algo_set_workframe(&work);
+    const qm_pose_t in_work = qm_algo_forward_kinematics(nullptr, q_.data());
+    const qm_pose_t in_base = qm_algo_workframe2base(qm_algo_pos2matrix(work.pose), in_work);
+    Joints out{};
+    ASSERT_EQ(qm_algo_inverse_kinematics(nullptr, request(q_, in_base, 0), out.data()), 0);
+    expect_joints(out, q_, 1e-2f);
+    const qm_frame_t none{};
+    qm_algo_set_workframe(&none);
+
+    // A tool frame that pitches the tool 0.03 degrees short of 90: the Euler angles fold yaw into
+    // roll there, the quaternion stays exact.
+    const qm_pose_t flange = qm_algo_forward_kinematics(nullptr, q_.data());
+    qm_pose_t pitched = flange;
+    pitched.euler = {0.4f, static_cast<float>(M_PI / 2 - 5e-4), 0.7f};
+    qm_frame_t tool{};
+    tool.pose = qm_algo_base2workframe(qm_algo_pos2matrix(flange), pitched);
+    qm_algo_set_toolframe(&tool);
+    const qm_pose_t reported = qm_algo_forward_kinematics(nullptr, q_.data());
+    ASSERT_NEAR(reported.euler.ry, M_PI / 2, 1e-3);
+    ASSERT_EQ(qm_algo_inverse_kinematics(nullptr, request(q_, reported, 0), out.data()), 0);
+    expect_joints(out, q_, 2e-3f);
+}
+
 TEST_F(BridgeKinematics, ReferenceBeyondItsLimitIsRefusedAndUnreachableTargetIsASolverFailure) {
     const qm_pose_t target = qm_algo_forward_kinematics(nullptr, q_.data());
     Joints ref = q_;

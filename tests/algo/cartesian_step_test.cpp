@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <cstring>
+#include <random>
 
 #include "algo_api.h"
 #include "qm_interface.h"
@@ -102,6 +103,28 @@ TEST_F(CartesianStep, PoseStepTranslatesInTheWorkOrToolFrame) {
     // An unknown frame mode gives a zero pose.
     const qm_pose_t unknown = qm_algo_pose_move(nullptr, start, dx, 2), zero_pose{};
     EXPECT_EQ(std::memcmp(&unknown, &zero_pose, sizeof unknown), 0);
+}
+
+bool same_orientation_bits(const qm_pose_t& a, const qm_pose_t& b) {
+    return std::memcmp(&a.euler, &b.euler, sizeof a.euler) == 0 &&
+           std::memcmp(&a.quaternion, &b.quaternion, sizeof a.quaternion) == 0;
+}
+
+TEST_F(CartesianStep, PureTranslationLeavesTheOrientationFieldsBitExact) {
+    std::mt19937 rng(5);
+    std::uniform_real_distribution<float> angle(-3.1f, 3.1f), length(-0.5f, 0.5f);
+    const float step[6] = {0.01f, -0.02f, 0.03f, 0, 0, 0};
+    for (int i = 0; i < 200; ++i) {
+        const qm_pose_t start = pose(length(rng), length(rng), length(rng), angle(rng), angle(rng) / 2, angle(rng));
+        for (const int frame : {0, 1}) {
+            const qm_pose_t moved = qm_algo_pose_move(nullptr, start, step, frame);
+            ASSERT_TRUE(same_orientation_bits(moved, start)) << "pose " << i << " frame " << frame;
+        }
+        const Joints q = {angle(rng) * 50, angle(rng) * 40, angle(rng) * 40, angle(rng) * 50, angle(rng) * 40, 0};
+        ASSERT_TRUE(same_orientation_bits(qm_algo_cartesian_tool(nullptr, q.data(), 0.01f, 0.02f, -0.03f),
+                                          qm_algo_forward_kinematics(nullptr, q.data())))
+            << "joints " << i;
+    }
 }
 
 TEST_F(CartesianStep, RotationStepPreMultipliesInTheWorkFrameAndPostMultipliesInTheTool) {

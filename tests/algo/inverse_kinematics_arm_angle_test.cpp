@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <random>
 #include <string>
 #include <utility>
 
@@ -74,6 +76,24 @@ TEST_P(ArmAngle, SearchLeavesTheReferencesArmAngleWhenItsBranchesAreLimitedAndWh
     }
     // The whole-range search is never farther from the reference than the first branch found.
     EXPECT_LE(distance[1], distance[0] + 1e-9);
+}
+
+TEST_P(ArmAngle, ReferenceTwoDegreesOffNeverFlipsToAFarBranch) {
+    // Where the branch nearest the reference is just outside a limit at the reference's arm angle,
+    // a neighbouring arm angle holds an in-limit solution about as near: that one is the answer.
+    const int targets = 3000 / ik_test::kSlowBuildDivisor;
+    std::mt19937 rng(2024u + GetParam());
+    std::normal_distribution<float> noise(0.0f, 2.0f * static_cast<float>(DEG2RAD));
+    int index = 0;
+    for (const auto& q : reference::random_joints_within_limits(targets, 77u + GetParam())) {
+        SCOPED_TRACE("target " + std::to_string(index++));
+        float ref[ROBOT_DOF] = {};
+        for (int j = 0; j < 7; ++j) ref[j] = q[j] + noise(rng);
+        const Pose pose = ik_test::pose_of(q.data());
+        float out[ROBOT_DOF] = {};
+        ASSERT_EQ(inverse_kinematics(ref, &pose, out, USE_QUAT), IKINE_SUCCESSFUL);
+        ASSERT_LT(ik_test::max_joint_difference(out, ref, 7), 30.0 * DEG2RAD);
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <random>
 #include <string>
 
 #include "inverse_kinematics_test_support.h"
@@ -101,5 +102,68 @@ TEST_P(IkSingularity, TargetJustBeyondReachFailsCleanly) {
 
 INSTANTIATE_TEST_SUITE_P(EveryFamily, IkSingularity, ::testing::ValuesIn(kCases),
                          [](const auto& info) { return std::string(info.param.name); });
+
+}  // namespace
+
+namespace {
+
+// LUX arms with joint 5 just off zero and the elbow nearly straight: the orientation pins
+// t2 + t3 + t4 only to its rounding over sin t5, and the links nearly at full reach must still
+// meet. Every reachable target is solved, with every branch on the singular shoulder side: the
+// truth's elbow pair, and the wrist twin's pair (t2 + t3 + t4 a half turn on) where its two-link
+// target lies within reach. With the wrist point also near axis 1 the two shoulder sides merge
+// and joint 1 is as loose; there only the reach of every branch is checked.
+class LuxNearWristSingularity : public ::testing::TestWithParam<RobotType> {};
+
+TEST_P(LuxNearWristSingularity, EveryReachableTargetIsSolvedWithEveryBranchOfItsSide) {
+    ASSERT_EQ(libalgo_set_robot_and_sensor_type(GetParam(), _B), 0);
+    DH dh;
+    libalgo_get_dh_value(&dh);
+    std::mt19937 rng(5u + GetParam());
+    std::uniform_real_distribution<float> wrist(1e-5f, 3e-4f), elbow(-5.0f, 5.0f), sign(-1.0f, 1.0f);
+    const int targets = 1000 / ik_test::kSlowBuildDivisor;
+    int index = 0;
+    for (auto q : reference::random_joints_within_limits(targets, 11u + GetParam())) {
+        SCOPED_TRACE("target " + std::to_string(index++));
+        q[4] = sign(rng) < 0.0f ? -wrist(rng) : wrist(rng);
+        q[2] = static_cast<float>(elbow(rng) * DEG2RAD) - dh.offset[2];
+        const Matrix target = flange_of(q.data());
+        const Pose pose = transformation_matrix_to_pose(target);
+        float out[ROBOT_DOF] = {};
+        ASSERT_EQ(inverse_kinematics(q.data(), &pose, out, USE_QUAT), IKINE_SUCCESSFUL);
+        ASSERT_TRUE(reaches(out, target));
+
+        double th[6];
+        for (int j = 0; j < 6; ++j) th[j] = double(q[j]) + dh.offset[j];
+        const double t23 = th[1] + th[2], t234 = t23 + th[3];
+        // The twin's two-link target lies 2 * d4 on along (sin t234, -cos t234).
+        const double x = dh.a[2] * std::cos(th[1]) + dh.a[3] * std::cos(t23) + 2.0 * dh.d[4] * std::sin(t234);
+        const double y = dh.a[2] * std::sin(th[1]) + dh.a[3] * std::sin(t23) - 2.0 * dh.d[4] * std::cos(t234);
+        const double reach = dh.a[2] + dh.a[3] - std::hypot(x, y);
+        const double from_axis1 = dh.a[2] * std::cos(th[1]) + dh.a[3] * std::cos(t23) + dh.d[4] * std::sin(t234);
+
+        IkSolve all;
+        ASSERT_EQ(inverse_kinematics_all(&all, q.data(), &pose, USE_QUAT), IKINE_SUCCESSFUL);
+        int own = 0, twins = 0;
+        for (int i = 0; i < all.num; ++i) {
+            const float* b = all.q_solve[i];
+            ASSERT_TRUE(reaches(b, target)) << "branch " << i;
+            if (std::fabs(std::remainder(b[0] - q[0], 2 * M_PI)) > 1e-3) continue;  // the other shoulder side
+            const double turn = std::remainder(b[1] + b[2] + b[3] + dh.offset[1] + dh.offset[2] + dh.offset[3] - t234,
+                                               2 * M_PI);
+            ++(std::fabs(turn) < M_PI / 2 ? own : twins);
+        }
+        if (std::fabs(from_axis1) < 1e-2) continue;
+        EXPECT_EQ(own, 2);
+        if (reach > 1e-4) {
+            EXPECT_EQ(twins, 2) << "twin pair " << reach << " m within reach";
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(LuxModels, LuxNearWristSingularity, ::testing::Values(LUX65, LUX62, LUX63),
+                         [](const auto& info) {
+                             return std::string(info.param == LUX65 ? "LUX65" : info.param == LUX62 ? "LUX62" : "LUX63");
+                         });
 
 }  // namespace

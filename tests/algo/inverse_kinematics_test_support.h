@@ -16,6 +16,19 @@ namespace ik_test {
 
 constexpr double kJointTol = 1e-3;  // rad
 
+// Sample counts shrink by this factor under the sanitizers, which run the solvers 20 to 50 times slower.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr int kSlowBuildDivisor = 10;
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+constexpr int kSlowBuildDivisor = 10;
+#else
+constexpr int kSlowBuildDivisor = 1;
+#endif
+#else
+constexpr int kSlowBuildDivisor = 1;
+#endif
+
 inline Matrix flange_of(const float* q) {
     DH dh;
     libalgo_get_dh_value(&dh);

@@ -5,9 +5,11 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <functional>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "fake_controller.h"
@@ -37,6 +39,39 @@ inline std::string judged(const std::string& key, const std::string& member, boo
 inline std::string accepted(const std::string& command, bool ok = true) {
     return judged(command, "receive_state", ok);
 }
+
+// The controller's arrival report of one trajectory.
+inline std::string arrival(int device, bool reached = true, int trajectory_connect = 0) {
+    return R"({"state":"current_trajectory_state","trajectory_state":)" +
+           std::string(reached ? "true" : "false") + R"(,"device":)" + std::to_string(device) +
+           R"(,"trajectory_connect":)" + std::to_string(trajectory_connect) + "}";
+}
+
+// The answer to a planned-trajectory poll: "none", "movej", "movel", ...
+inline std::string planned(const std::string& type) {
+    return R"({"command":"arm_current_trajectory","type":")" + type + R"(","data":[0,0,0,0,0,0]})";
+}
+
+// Pushes one line every 20 ms until destroyed. In single-thread mode the bytes that share a
+// read with an awaited reply are dropped, so a single push could be lost.
+class RepeatedPush {
+public:
+    RepeatedPush(qm_test::FakeController& controller, std::string line)
+        : thread_([this, &controller, line = std::move(line)] {
+              while (!stop_) {
+                  controller.push_line(line);
+                  std::this_thread::sleep_for(20ms);
+              }
+          }) {}
+    ~RepeatedPush() {
+        stop_ = true;
+        thread_.join();
+    }
+
+private:
+    std::atomic<bool> stop_{false};
+    std::thread thread_;
+};
 
 // A set command: the exact request, and the key and member of its reply (key "": the command).
 struct SetRow {

@@ -1,44 +1,10 @@
 // Planned, arc, step and streamed moves and their blocking waits against a fake controller.
 #include <atomic>
-#include <thread>
 
 #include "catalogue_fixture.h"
 
 namespace catalogue_test {
 namespace {
-
-// The controller's arrival report of one trajectory.
-std::string arrival(int device, bool reached = true, int trajectory_connect = 0) {
-    return R"({"state":"current_trajectory_state","trajectory_state":)" +
-           std::string(reached ? "true" : "false") + R"(,"device":)" + std::to_string(device) +
-           R"(,"trajectory_connect":)" + std::to_string(trajectory_connect) + "}";
-}
-
-// The answer to a planned-trajectory poll: "none", "movej", "movel", ...
-std::string planned(const std::string& type) {
-    return R"({"command":"arm_current_trajectory","type":")" + type + R"(","data":[0,0,0,0,0,0]})";
-}
-
-// Pushes one line every 20 ms until destroyed. In single-thread mode the bytes that share a
-// read with an awaited reply are dropped, so a single push could be lost.
-class RepeatedPush {
-public:
-    RepeatedPush(qm_test::FakeController& controller, std::string line)
-        : thread_([this, &controller, line = std::move(line)] {
-              while (!stop_) {
-                  controller.push_line(line);
-                  std::this_thread::sleep_for(20ms);
-              }
-          }) {}
-    ~RepeatedPush() {
-        stop_ = true;
-        thread_.join();
-    }
-
-private:
-    std::atomic<bool> stop_{false};
-    std::thread thread_;
-};
 
 qm_pose_t make_pose(qm_position_t position, qm_euler_t euler, qm_quat_t quaternion = {0, 0, 0, 0}) {
     qm_pose_t pose{};

@@ -93,6 +93,8 @@ Pose algo_pose_move(Pose poseCurrent, const float* delta, int frameMode) {
     if (delta == nullptr || !known_frame(frameMode)) return Pose{};
     Pose out = poseCurrent;
     out.position = dPosMove(poseCurrent, delta, frameMode).position;
+    // A pure translation keeps the orientation as given: a matrix round trip would move it in the last bits.
+    if (delta[3] == 0.0f && delta[4] == 0.0f && delta[5] == 0.0f) return out;
     return with_orientation(out, rotateMove(poseCurrent, delta + 3, frameMode));
 }
 

@@ -1,4 +1,6 @@
 // Model dispatch and the pose variants over the system data.
+#include "dh_chain.h"
+#include "dh_table_shape.h"
 #include "libalgo_interface.h"
 #include "qman_kinematics.h"
 #include "qman_mathfuncs.h"
@@ -11,7 +13,17 @@ constexpr int kUniversalDof = 7;
 
 enum class UniversalChain { OwnTable, QM65Routine };
 
-Matrix model_flange(int robot_type, const DH* dh, const float* q, UniversalChain universal) {
+// The closed form serves a table of the model's nominal structure (nominal says whether dh has
+// it); a calibrated table with other lengths or twists gets the general product of its links.
+Matrix model_flange(int robot_type, const DH* dh, const float* q, UniversalChain universal, bool nominal) {
+    if (robot_type == UNIVERSAL) {
+        if (universal == UniversalChain::OwnTable) return kin_universal_kinematics_Tn(dh, q, kUniversalDof);
+        return forward_kinematics_qm65(dh, q);
+    }
+    if (!nominal) {
+        const algo::TableShape& shape = algo::table_shape(robot_type);
+        return algo::chain_flange(*dh, q, shape.dof, shape.standard);
+    }
     switch (robot_type) {
         case QM75: return forward_kinematics_qm75(dh, q);
         case QML63II:
@@ -22,14 +34,13 @@ Matrix model_flange(int robot_type, const DH* dh, const float* q, UniversalChain
         case LUX63: return forward_kinematics_lux6(dh, q);
         case TAV72:
         case TAV72II: return forward_kinematics_tav7(dh, q);
-        case UNIVERSAL:
-            if (universal == UniversalChain::OwnTable) return kin_universal_kinematics_Tn(dh, q, kUniversalDof);
-            return forward_kinematics_qm65(dh, q);
         default: return forward_kinematics_qm65(dh, q);
     }
 }
 
-Matrix flange(const float* q) { return model_flange(robot.robot_type, &robot.dh, q, UniversalChain::OwnTable); }
+Matrix flange(const float* q) {
+    return model_flange(robot.robot_type, &robot.dh, q, UniversalChain::OwnTable, algo::table_in_use_nominal());
+}
 
 // The model's table with the calibration errors added, multiplied out link by link.
 Matrix calibrated_flange(const float* q) {
@@ -40,11 +51,7 @@ Matrix calibrated_flange(const float* q) {
         dh.alpha[i] += dh.err_alpha[i];
         dh.offset[i] += dh.err_theta[i];
     }
-    const bool standard = robot.robot_type == QM75;
-    Matrix t = unit_matrix(4);
-    for (int i = 0; i < robot.rbt_dof; ++i)
-        t = matrix_m(t, standard ? kin_get_SDH_Ti(i, &dh, q) : kin_get_MDH_Ti(i, &dh, q));
-    return t;
+    return algo::chain_flange(dh, q, robot.rbt_dof, robot.robot_type == QM75);
 }
 
 // Translation of W * I * F * t for the tool origin t.
@@ -65,12 +72,14 @@ Pose pose_of(const Matrix& t) { return transformation_matrix_to_pose(t); }
 extern "C" {
 
 Matrix forward_kinematics_model(int robot_type, const DH* dh, const float* q) {
-    return model_flange(robot_type, dh, q, UniversalChain::OwnTable);
+    const bool nominal = algo::nominal_structure(algo::table_shape(robot_type), *dh);
+    return model_flange(robot_type, dh, q, UniversalChain::OwnTable, nominal);
 }
 
 Pos forward_kinematics_pos(const float* q) {
     // Intended: a UNIVERSAL arm gets the QM65 geometry in this position-only call.
-    return tool_point_in_work(model_flange(robot.robot_type, &robot.dh, q, UniversalChain::QM65Routine));
+    return tool_point_in_work(
+        model_flange(robot.robot_type, &robot.dh, q, UniversalChain::QM65Routine, algo::table_in_use_nominal()));
 }
 
 Pos forward_kinematics_pos_calibration(const float* q) { return tool_point_in_work(calibrated_flange(q)); }

@@ -11,35 +11,15 @@
 #include <cmath>
 #include <initializer_list>
 
-#include "inv_kinematics_internal.h"
+#include "inv_kinematics_arm_angle.h"
 #include "libalgo_interface.h"
 #include "qman_inv_kinematics.h"
 
 namespace algo::ik {
 namespace {
 
-using Mat3 = float[3][3];
-
 int g_search_strategy = 0;
 float g_solution_range = Q_STEP_MAX;
-
-struct Vec3 {
-    float x, y, z;
-};
-
-// One elbow sign: R_S(psi) = shoulder_sin*sin(psi) + shoulder_cos*cos(psi) + shoulder_const.
-struct ElbowBranch {
-    float t4, c4, s4;
-    Mat3 shoulder0;  // R_S0
-    Mat3 shoulder_sin, shoulder_cos, shoulder_const;
-};
-
-struct ArmAngleTarget {
-    bool reachable;
-    Vec3 axis;  // unit shoulder-to-wrist direction
-    Mat3 rotation;  // of the flange
-    ElbowBranch elbow[2];
-};
 
 // Shoulder Rz(t1)*Ry(t2) with joint 3 at zero that turns the upper-arm-to-wrist vector
 // (vx, 0, vz) onto sw: t1 is the azimuth of sw, t2 the difference of the two elevations.
@@ -58,6 +38,8 @@ void shoulder_zero(const Vec3& sw, float vx, float vz, Mat3 out) {
     }
 }
 
+}  // namespace
+
 void zyz_matrix(float a, float b, float c, Mat3 out) {
     const float ca = std::cos(a), sa = std::sin(a), cb = std::cos(b), sb = std::sin(b);
     const float cc = std::cos(c), sc = std::sin(c);
@@ -69,7 +51,6 @@ void zyz_matrix(float a, float b, float c, Mat3 out) {
     }
 }
 
-// Angle of the rotation shoulder * shoulder0^T about axis (exact when it fixes the axis).
 float arm_angle_between(const Mat3 shoulder, const Mat3 shoulder0, const Vec3& axis) {
     Mat3 rot;
     for (int i = 0; i < 3; ++i) {
@@ -82,7 +63,7 @@ float arm_angle_between(const Mat3 shoulder, const Mat3 shoulder0, const Vec3& a
     return fast_atan2(sin2, cos2);
 }
 
-ArmAngleTarget arm_angle_target(const DH& dh, const Matrix& flange) {
+ArmAngleTarget arm_angle_target(const DH& dh, const Matrix& flange, float reach_tol) {
     ArmAngleTarget t{};
     const float d3 = dh.d[2], d5 = dh.d[4], d7 = dh.d[6];
     Mat3& r = t.rotation;
@@ -93,7 +74,7 @@ ArmAngleTarget arm_angle_target(const DH& dh, const Matrix& flange) {
                      flange.data[2][3] - d7 * r[2][2] - dh.d[0]};
     const float len = std::sqrt(sw.x * sw.x + sw.y * sw.y + sw.z * sw.z);
     float c4;
-    if (len < kAxisEps || !triangle_cosine(len, d3, d5, c4)) return t;
+    if (len < kAxisEps || !triangle_cosine(len, d3, d5, c4, reach_tol)) return t;
     t.reachable = true;
     t.axis = {sw.x / len, sw.y / len, sw.z / len};
     const Vec3& s = t.axis;
@@ -121,42 +102,20 @@ ArmAngleTarget arm_angle_target(const DH& dh, const Matrix& flange) {
     return t;
 }
 
-void blend(const Mat3 a, const Mat3 b, const Mat3 c, float sn, float cs, Mat3 out) {
-    for (int i = 0; i < 3; ++i) {
-        for (int j = 0; j < 3; ++j) out[i][j] = a[i][j] * sn + b[i][j] * cs + c[i][j];
-    }
-}
-
-// |sin t2| and |sin t6| of each elbow sign at one arm angle: near 0 the arm is near the
-// shoulder or wrist singularity.
-struct MiddleSines {
-    float shoulder[2];
-    float wrist[2];
-};
-
-// Every branch at arm angle psi.
 MiddleSines branches_at(const SolveInput& in, const ArmAngleTarget& t, const float* theta_ref, float psi,
-                        IkSolve& out) {
+                        IkSolve& out, int elbows) {
     MiddleSines sines{};
     begin_solutions(in, out);
     const float sn = std::sin(psi), cs = std::cos(psi);
     float q[ROBOT_DOF] = {};
     for (int e = 0; e < 2; ++e) {
+        if ((elbows & (1 << e)) == 0) continue;
         const ElbowBranch& b = t.elbow[e];
         Mat3 rot;
         blend(b.shoulder_sin, b.shoulder_cos, b.shoulder_const, sn, cs, rot);
         const ZyzBranches shoulder = zyz_angles(rot, theta_ref[0]);
-        // Wrist Ry(-t4) * R_S^T * R.
         Mat3 wrist_rot;
-        for (int j = 0; j < 3; ++j) {
-            float m[3];
-            for (int i = 0; i < 3; ++i) {
-                m[i] = rot[0][i] * t.rotation[0][j] + rot[1][i] * t.rotation[1][j] + rot[2][i] * t.rotation[2][j];
-            }
-            wrist_rot[0][j] = b.c4 * m[0] - b.s4 * m[2];
-            wrist_rot[1][j] = m[1];
-            wrist_rot[2][j] = b.s4 * m[0] + b.c4 * m[2];
-        }
+        wrist_rotation(b, rot, t.rotation, wrist_rot);
         const ZyzBranches wrist = zyz_angles(wrist_rot, theta_ref[4]);
         sines.shoulder[e] = shoulder.sin_b;
         sines.wrist[e] = wrist.sin_b;
@@ -186,47 +145,12 @@ void reference_theta(const SolveInput& in, float* theta) {
     for (int j = 0; j < ROBOT_DOF; ++j) theta[j] = in.q_ref[j] + in.dh.offset[j];
 }
 
-// Arm angle of the reference's shoulder against the target's zero-angle shoulder, so a
-// reference that reaches the target gives back exactly its own arm.
-float reference_arm_angle(const ArmAngleTarget& t, const float* theta_ref) {
-    Mat3 shoulder;
-    zyz_matrix(theta_ref[0], theta_ref[1], theta_ref[2], shoulder);
-    const ElbowBranch& b = t.elbow[theta_ref[3] >= 0.0f ? 0 : 1];
-    return arm_angle_between(shoulder, b.shoulder0, t.axis);
-}
-
-bool any_within_limits(const SolveInput& in, const IkSolve& solve) {
-    for (int i = 0; i < solve.num; ++i) {
-        if (within_limits(solve.q_solve[i], in.dof, in.limits)) return true;
-    }
-    return false;
-}
-
-double solution_cost(const SolveInput& in, const IkSolve& solve) {
-    static constexpr float kUnitWeights[ROBOT_DOF] = {1, 1, 1, 1, 1, 1, 1, 1};
-    double cost = 0.0;
-    return select_solution(kUnitWeights, solve, in.dof, in.limits, &cost) >= 0 ? cost : INFINITY;
-}
-
-// Near the shoulder (t2 = 0) or wrist (t6 = 0) singularity, joints 1 and 3 (5 and 7) turn
-// fast with the arm angle, and the arm angle of a reference that does not quite reach the
-// target can land far from it in joint space. There the arm angles at which joint 1 (5)
-// keeps the reference's value are tried too, and the nearest set wins.
-constexpr float kNearSingularSin = 0.1f;
-constexpr float kRefineWindow = 0.2f;  // rad around the reference's arm angle
-
-// Column 2 of R_S(psi) = sin*vs + cos*vc + v0 (the upper-arm axis), or of the wrist rotation.
-struct AxisBlend {
-    Vec3 vs, vc, v0;
-};
-
 AxisBlend upper_arm_axis(const ElbowBranch& b) {
     return {{b.shoulder_sin[0][2], b.shoulder_sin[1][2], b.shoulder_sin[2][2]},
             {b.shoulder_cos[0][2], b.shoulder_cos[1][2], b.shoulder_cos[2][2]},
             {b.shoulder_const[0][2], b.shoulder_const[1][2], b.shoulder_const[2][2]}};
 }
 
-// Column 2 of Ry(-t4) * R_S^T * R: the flange z axis seen from the wrist.
 AxisBlend wrist_axis(const ElbowBranch& b, const Mat3 r) {
     const auto term = [&](const Mat3 m) {
         float v[3];
@@ -236,9 +160,7 @@ AxisBlend wrist_axis(const ElbowBranch& b, const Mat3 r) {
     return {term(b.shoulder_sin), term(b.shoulder_cos), term(b.shoulder_const)};
 }
 
-// Arm angles within the window around psi0 at which the axis's azimuth is `azimuth` (or
-// opposite it, the ZYZ twin's); returns their count.
-int arm_angles_for_azimuth(const AxisBlend& axis, float azimuth, float psi0, float out[2]) {
+int arm_angles_for_azimuth(const AxisBlend& axis, float azimuth, float centre, float window, float out[2]) {
     const float ca = std::cos(azimuth), sa = std::sin(azimuth);
     const auto across = [&](const Vec3& v) { return ca * v.y - sa * v.x; };
     // alpha * sin(psi) + beta * cos(psi) + gamma = 0
@@ -249,71 +171,10 @@ int arm_angles_for_azimuth(const AxisBlend& axis, float azimuth, float psi0, flo
     const float base = std::asin(-gamma / r);
     int n = 0;
     for (const float psi : {base - phi, kPi - base - phi}) {
-        const float step = std::remainder(psi - psi0, kTwoPi);
-        if (std::fabs(step) < kRefineWindow) out[n++] = psi0 + step;
+        const float step = std::remainder(psi - centre, kTwoPi);
+        if (std::fabs(step) <= window) out[n++] = centre + step;
     }
     return n;
-}
-
-// Replaces the set at psi0 by a nearer one when the reference's arm is near a singularity.
-void refine_near_singularity(const SolveInput& in, const ArmAngleTarget& t, const float* theta_ref, float psi0,
-                             const MiddleSines& sines, IkSolve& out) {
-    const int e = theta_ref[3] >= 0.0f ? 0 : 1;
-    const bool near[2] = {sines.shoulder[e] < kNearSingularSin, sines.wrist[e] < kNearSingularSin};
-    if (!near[0] && !near[1]) return;
-    const ElbowBranch& b = t.elbow[e];
-    const AxisBlend axes[2] = {upper_arm_axis(b), wrist_axis(b, t.rotation)};
-    const float azimuth_ref[2] = {theta_ref[0], theta_ref[4]};
-    double best = solution_cost(in, out);
-    IkSolve candidate;
-    for (int k = 0; k < 2; ++k) {
-        if (!near[k]) continue;
-        float psi[2];
-        const int n = arm_angles_for_azimuth(axes[k], azimuth_ref[k], psi0, psi);
-        for (int i = 0; i < n; ++i) {
-            branches_at(in, t, theta_ref, psi[i], candidate);
-            const double cost = solution_cost(in, candidate);
-            if (cost < best) {
-                best = cost;
-                out = candidate;
-            }
-        }
-    }
-}
-
-}  // namespace
-
-int solve_arm_angle_search(const SolveInput& in, const Matrix& flange, IkSolve& out) {
-    begin_solutions(in, out);
-    const ArmAngleTarget t = arm_angle_target(in.dh, flange);
-    if (!t.reachable) return 0;
-    float theta_ref[ROBOT_DOF];
-    reference_theta(in, theta_ref);
-    const float psi0 = reference_arm_angle(t, theta_ref);
-    // Strategy 0 scores a set 0 when any branch is within the limits, so the first such wins.
-    const bool first_found = g_search_strategy == 0;
-    const auto score = [&](const IkSolve& set) {
-        if (first_found) return any_within_limits(in, set) ? 0.0 : INFINITY;
-        return solution_cost(in, set);
-    };
-    const MiddleSines sines = branches_at(in, t, theta_ref, psi0, out);
-    refine_near_singularity(in, t, theta_ref, psi0, sines, out);
-    double best = score(out);
-    if (first_found && best == 0.0) return out.num;
-    const int steps = static_cast<int>(g_solution_range / Q_STEP_MIN + 1e-3f);
-    IkSolve candidate;
-    for (int k = 1; k <= steps; ++k) {
-        for (const float side : {1.0f, -1.0f}) {
-            branches_at(in, t, theta_ref, psi0 + side * static_cast<float>(k) * Q_STEP_MIN, candidate);
-            const double cost = score(candidate);
-            if (cost < best) {
-                best = cost;
-                out = candidate;
-                if (first_found) return out.num;
-            }
-        }
-    }
-    return out.num;
 }
 
 }  // namespace algo::ik
@@ -323,11 +184,11 @@ using namespace algo::ik;
 extern "C" {
 
 int inverse_kinematics_qm_75(const Matrix* flange, const float* q_ref, float* q_out) {
-    return solve_flange_target(solve_arm_angle_search, 7, flange, q_ref, q_out);
+    return solve_flange_target(model_solver(QM75), flange, q_ref, q_out);
 }
 
 int inverse_kinematics_tav7(const Matrix* flange, const float* q_ref, float* q_out) {
-    return solve_flange_target(solve_arm_angle_search, 7, flange, q_ref, q_out);
+    return solve_flange_target(model_solver(TAV72), flange, q_ref, q_out);
 }
 
 float calculate_arm_angle_from_config_qm75(const float* q) {
@@ -354,15 +215,17 @@ int inverse_kinematics_qm75_for_arm_angle(const float* q_ref, const Pose* target
     const ModelSolver model = model_solver(libalgo_get_robot_type());
     if (model.solver != solve_arm_angle_search) return IKINE_UNKNOWN_TYPE;
     const Matrix flange = flange_target(*target, USE_EULER);
-    const SolveInput in = make_solve_input(q_ref, model.dof);
-    const ArmAngleTarget t = arm_angle_target(in.dh, flange);
+    const SolveInput in = make_solve_input(q_ref, model);
     IkSolve solve;
-    begin_solutions(in, solve);
-    if (t.reachable) {
+    solve_on_table(*model.shape, in, flange, solve, [arm_angle](const SolveInput& on, const Matrix& f, IkSolve& out) {
+        begin_solutions(on, out);
+        const ArmAngleTarget t = arm_angle_target(on.dh, f, on.reach_tol);
+        if (!t.reachable) return 0;
         float theta_ref[ROBOT_DOF];
-        reference_theta(in, theta_ref);
-        branches_at(in, t, theta_ref, arm_angle, solve);
-    }
+        reference_theta(on, theta_ref);
+        branches_at(on, t, theta_ref, arm_angle, out);
+        return out.num;
+    });
     return pick_solution(in, solve, q_solve);
 }
 

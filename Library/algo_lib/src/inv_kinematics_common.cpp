@@ -107,34 +107,38 @@ int select_fixed(const float* weights, const IkSolve& solve, int dof, const Join
 }  // namespace
 
 ModelSolver model_solver(int robot_type) {
+    const TableShape* shape = &table_shape(robot_type);
     switch (robot_type) {
         case QM65:
         case QML63I:
-            return {solve_spherical_wrist, 6};
+            return {solve_spherical_wrist, 6, shape};
         case QML63II:
         case QML63III:
         case QML63IV:
-            return {solve_spherical_wrist_offset, 6};
+            return {solve_spherical_wrist_offset, 6, shape};
         case LUX65:
         case LUX62:
         case LUX63:
-            return {solve_parallel_axes, 6};
+            return {solve_parallel_axes, 6, shape};
         case QM75:
         case TAV72:
         case TAV72II:
-            return {solve_arm_angle_search, 7};
+            return {solve_arm_angle_search, 7, shape};
         default:
-            return {nullptr, 0};
+            return {nullptr, 0, shape};
     }
 }
 
-SolveInput make_solve_input(const float* q_ref, int dof) {
+SolveInput make_solve_input(const float* q_ref, const ModelSolver& model) {
     SolveInput in;
     libalgo_get_dh_value(&in.dh);
     in.limits = current_limits();
-    in.dof = dof;
+    in.dof = model.dof;
+    // The loaded model's own shape: its setters keep the answer.
+    in.nominal = model.shape == &table_shape(libalgo_get_robot_type()) ? table_in_use_nominal()
+                                                                        : nominal_structure(*model.shape, in.dh);
     std::memset(in.q_ref, 0, sizeof in.q_ref);
-    std::memcpy(in.q_ref, q_ref, sizeof(float) * static_cast<size_t>(dof));
+    std::memcpy(in.q_ref, q_ref, sizeof(float) * static_cast<size_t>(in.dof));
     return in;
 }
 
@@ -171,19 +175,20 @@ int pick_solution(const SolveInput& in, const IkSolve& solve, float* q_out) {
     return IKINE_SUCCESSFUL;
 }
 
-int solve_flange_target(Solver solver, int dof, const Matrix* flange, const float* q_ref, float* q_out) {
+int solve_flange_target(const ModelSolver& model, const Matrix* flange, const float* q_ref, float* q_out) {
     if (!flange || !q_ref || !q_out) return IKINE_FAILED;
-    const SolveInput in = make_solve_input(q_ref, dof);
+    const SolveInput in = make_solve_input(q_ref, model);
     IkSolve solve;
-    solver(in, *flange, solve);
+    solve_model(model, in, *flange, solve);
     return pick_solution(in, solve, q_out);
 }
 
-int solve_with_table(Solver solver, int dof, const DH* dh, const Matrix* flange, const float* q_ref, IkSolve* out) {
+int solve_with_table(const ModelSolver& model, const DH* dh, const Matrix* flange, const float* q_ref, IkSolve* out) {
     if (!dh || !flange || !q_ref || !out) return IKINE_FAILED;
-    SolveInput in = make_solve_input(q_ref, dof);
+    SolveInput in = make_solve_input(q_ref, model);
     in.dh = *dh;
-    return solver(in, *flange, *out) > 0 ? IKINE_SUCCESSFUL : IKINE_FAILED;
+    in.nominal = nominal_structure(*model.shape, in.dh);
+    return solve_model(model, in, *flange, *out) > 0 ? IKINE_SUCCESSFUL : IKINE_FAILED;
 }
 
 Matrix flange_target(const Pose& pose, int form) {
@@ -214,8 +219,8 @@ int inverse_kinematics_all(IkSolve* solve, const float* q_ref, const Pose* targe
         return IKINE_UNKNOWN_TYPE;
     }
     const Matrix flange = flange_target(*target, form);
-    const SolveInput in = make_solve_input(q_ref, model.dof);
-    return model.solver(in, flange, *solve) > 0 ? IKINE_SUCCESSFUL : IKINE_FAILED;
+    const SolveInput in = make_solve_input(q_ref, model);
+    return solve_model(model, in, flange, *solve) > 0 ? IKINE_SUCCESSFUL : IKINE_FAILED;
 }
 
 int inverse_kinematics(const float* q_ref, const Pose* target, float* q_out, int form) {
@@ -223,9 +228,9 @@ int inverse_kinematics(const float* q_ref, const Pose* target, float* q_out, int
     const ModelSolver model = model_solver(libalgo_get_robot_type());
     if (!model.solver) return IKINE_UNKNOWN_TYPE;
     const Matrix flange = flange_target(*target, form);
-    const SolveInput in = make_solve_input(q_ref, model.dof);
+    const SolveInput in = make_solve_input(q_ref, model);
     IkSolve solve;
-    model.solver(in, flange, solve);
+    solve_model(model, in, flange, solve);
     return pick_solution(in, solve, q_out);
 }
 

@@ -5,6 +5,7 @@
 
 #include <cmath>
 
+#include "dh_table_shape.h"
 #include "robot_define.h"
 
 namespace algo::ik {
@@ -17,6 +18,9 @@ constexpr float kSingularSin = 1e-5f;
 // A target this far (m) beyond the reach of a link pair still counts as reached, at the
 // pair's limit: rounding of the target and the solver is far below it.
 constexpr float kReachTol = 1e-5f;
+// The same on the nominal table of a calibrated one, whose reach may differ by about this much;
+// the refinement on the real table then decides what is reached.
+constexpr float kCalibratedReachTol = 1e-2f;
 // Below this distance (m) a line through a joint axis leaves that joint free.
 constexpr float kAxisEps = 1e-6f;
 
@@ -25,12 +29,15 @@ struct JointLimits {
     float max[ROBOT_DOF];
 };
 
-// Everything a solver needs besides the target: geometry, reference, limits.
+// Everything a solver needs besides the target: geometry, reference, limits, and how far
+// beyond a link pair's reach a target still counts as reached.
 struct SolveInput {
     DH dh;
     float q_ref[ROBOT_DOF];
     JointLimits limits;
     int dof;
+    float reach_tol = kReachTol;
+    bool nominal = true;  // dh has the model's nominal structure
 };
 
 // Fills out with the branches for flange (base to flange) and returns their count.
@@ -41,15 +48,40 @@ int solve_spherical_wrist_offset(const SolveInput& in, const Matrix& flange, IkS
 int solve_parallel_axes(const SolveInput& in, const Matrix& flange, IkSolve& out);
 int solve_arm_angle_search(const SolveInput& in, const Matrix& flange, IkSolve& out);
 
-// Solver and joint count of a robot type; solver is null for types without one.
+// Solver, joint count and table shape of a robot type; solver is null for types without one.
 struct ModelSolver {
     Solver solver;
     int dof;
+    const TableShape* shape;
 };
 ModelSolver model_solver(int robot_type);
 
-// Reads the table, limits and reference for a model of dof joints.
-SolveInput make_solve_input(const float* q_ref, int dof);
+// Moves every branch of solve until the link product of in's table reproduces the flange target
+// within 1e-6 m and 1e-6 rad, each joint on the turn nearest in's reference within its limits;
+// drops the branches that do not get there.
+void refine_branches(const SolveInput& in, const TableShape& shape, const Matrix& flange, IkSolve& solve);
+
+// Runs solve(in, flange, out), a closed-form solver, on in's table when it has the model's
+// nominal structure, else on the nearest nominal table with every branch then refined on the
+// real one. Returns the number of branches.
+template <class Solve>
+int solve_on_table(const TableShape& shape, const SolveInput& in, const Matrix& flange, IkSolve& out, Solve solve) {
+    if (in.nominal) return solve(in, flange, out);
+    SolveInput nominal = in;
+    nominal.dh = nominal_table(shape, in.dh);
+    nominal.reach_tol = kCalibratedReachTol;
+    nominal.nominal = true;
+    solve(nominal, flange, out);
+    refine_branches(in, shape, flange, out);
+    return out.num;
+}
+
+inline int solve_model(const ModelSolver& model, const SolveInput& in, const Matrix& flange, IkSolve& out) {
+    return solve_on_table(*model.shape, in, flange, out, model.solver);
+}
+
+// Reads the table in use, the limits and the reference for the model.
+SolveInput make_solve_input(const float* q_ref, const ModelSolver& model);
 
 // Starts an empty solution set for in's reference.
 void begin_solutions(const SolveInput& in, IkSolve& out);
@@ -70,10 +102,10 @@ int select_solution(const float* weights, const IkSolve& solve, int dof, const J
 // Result code of a solved set, and the chosen joints (first dof) on success.
 int pick_solution(const SolveInput& in, const IkSolve& solve, float* q_out);
 
-// Runs solver with the given table; IKINE_SUCCESSFUL when it found a branch.
-int solve_with_table(Solver solver, int dof, const DH* dh, const Matrix* flange, const float* q_ref, IkSolve* out);
-// Runs solver with the table in use and picks the branch nearest q_ref.
-int solve_flange_target(Solver solver, int dof, const Matrix* flange, const float* q_ref, float* q_out);
+// Runs the model's solver with the given table; IKINE_SUCCESSFUL when it found a branch.
+int solve_with_table(const ModelSolver& model, const DH* dh, const Matrix* flange, const float* q_ref, IkSolve* out);
+// Runs the model's solver with the table in use and picks the branch nearest q_ref.
+int solve_flange_target(const ModelSolver& model, const Matrix* flange, const float* q_ref, float* q_out);
 
 // Base to flange transform of a tool pose, installation and tool removed.
 Matrix flange_target(const Pose& pose, int form);
@@ -145,6 +177,20 @@ inline ZyzBranches zyz_angles(const float r[3][3], float a_ref) {
     return z;
 }
 
+// b and c of r = Rz(a)*Ry(b)*Rz(c) for a given a, the nearest rotation of that form: off by
+// about sin(b) * (a - a_r) from r, where a_r is r's own first angle.
+struct ZyzRest {
+    float b;
+    float c;
+};
+inline ZyzRest zyz_rest(const float r[3][3], float a) {
+    const float ca = std::cos(a), sa = std::sin(a);
+    const float along = ca * r[0][2] + sa * r[1][2];  // sin b, signed
+    const float p0 = ca * r[0][0] + sa * r[1][0];
+    const float p1 = ca * r[1][0] - sa * r[0][0];
+    return {fast_atan2(along, r[2][2]), fast_atan2(p1, r[2][2] * p0 - along * r[2][0])};
+}
+
 // x rounded to the nearest integer (ties to even) for |x| < 2^51, without a libm call:
 // adding 1.5 * 2^52 leaves no fraction bits.
 inline double round_to_integer(double x) {
@@ -174,23 +220,23 @@ inline float joint_value(const SolveInput& in, int j, float theta) {
 
 // Cosine of the joint angle between links p and q that puts their far ends len apart,
 // (len^2 - p^2 - q^2) / (2 p q): 1 stretched, -1 folded. Clamped to [-1, 1]; false when len
-// lies more than kReachTol outside [|p - q|, p + q].
-inline bool triangle_cosine(float len, float p, float q, float& c) {
+// lies more than tol outside [|p - q|, p + q].
+inline bool triangle_cosine(float len, float p, float q, float& c, float tol) {
     c = (len * len - p * p - q * q) / (2.0f * p * q);
     if (c > 1.0f) {
-        if (len - (p + q) > kReachTol) return false;
+        if (len - (p + q) > tol) return false;
         c = 1.0f;
     } else if (c < -1.0f) {
-        if (std::fabs(p - q) - len > kReachTol) return false;
+        if (std::fabs(p - q) - len > tol) return false;
         c = -1.0f;
     }
     return c == c;  // NaN from a zero-length link
 }
 
 // Sine of the angle at which a line at distance offset from a point passes at distance len,
-// offset / len clamped to [-1, 1]; false when |offset| exceeds len by more than kReachTol.
-inline bool offset_sine(float offset, float len, float& s) {
-    if (std::fabs(offset) - len > kReachTol) return false;
+// offset / len clamped to [-1, 1]; false when |offset| exceeds len by more than tol.
+inline bool offset_sine(float offset, float len, float& s, float tol) {
+    if (std::fabs(offset) - len > tol) return false;
     s = len > 0.0f ? std::fmax(-1.0f, std::fmin(1.0f, offset / len)) : (offset < 0.0f ? -1.0f : 1.0f);
     return true;
 }

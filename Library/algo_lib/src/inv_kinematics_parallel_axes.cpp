@@ -17,6 +17,9 @@
 namespace algo::ik {
 namespace {
 
+// Below this sin t5 the orientation leaves t234 loose enough to matter (see the solver).
+constexpr float kNearSingularWrist = 1e-3f;
+
 // With joint 5 at 0 or pi the orientation fixes only t234 + t6, and t234 moves the point
 // (x, y) = p - d4 * (sin t234, -cos t234) that the two links must reach. Keeps the reference's
 // t234 when the links reach that point, else the nearest t234 at which they just do.
@@ -82,7 +85,7 @@ int solve_parallel_axes(const SolveInput& in, const Matrix& flange, IkSolve& out
         s1[1] = -s1[0];
     } else {
         float sd;
-        if (!offset_sine(lateral, rho, sd)) return 0;
+        if (!offset_sine(lateral, rho, sd, in.reach_tol)) return 0;
         const float cd = std::sqrt(1.0f - sd * sd);
         const float phi = fast_atan2(oy, ox);
         const float delta = fast_atan2(sd, cd);
@@ -109,16 +112,45 @@ int solve_parallel_axes(const SolveInput& in, const Matrix& flange, IkSolve& out
         const float px = c * ox + s * oy;
         ZyzBranches wrist = zyz_angles(rot, theta234_ref);
         if (wrist.a_free) wrist = zyz_angles(rot, reachable_t234(theta234_ref, px, oz, d4, a2, a3));
+        // Near the wrist singularity the orientation pins t234 only to its rounding, and that of
+        // joint 1, over sin t5: any t234 whose orientation cost, about sin t5 times its distance
+        // from the computed one, stays within what the singular case allows serves as well. There
+        // the reference's t234 is kept when it serves, as at the singularity itself, and otherwise
+        // the nearest t234 at which the links reach, which the error may have put out of reach
+        // with the elbow nearly straight.
+        const bool near_singular = !wrist.a_free && wrist.sin_b < kNearSingularWrist;
+        const float slack = near_singular ? kSingularSin / wrist.sin_b : 0.0f;
         for (int w = 0; w < 2; ++w) {
-            const float t234 = wrist.angles[w][0];
             const float sign = w == 0 ? 1.0f : -1.0f;  // the twin's t234 is a half turn on
-            const float x = px - d4 * sign * wrist.sin_a;
-            const float y = oz + d4 * sign * wrist.cos_a;
-            const float len = std::sqrt(x * x + y * y);
+            float t234 = wrist.angles[w][0], s234 = sign * wrist.sin_a, c234 = sign * wrist.cos_a;
+            float t5 = -wrist.angles[w][1], t6 = wrist.angles[w][2];
+            float x = px - d4 * s234;
+            float y = oz + d4 * c234;
+            float len = std::sqrt(x * x + y * y);
             float c3;
-            if (!triangle_cosine(len, a2, a3, c3)) continue;
-            q[4] = joint_value(in, 4, -wrist.angles[w][1]);
-            q[5] = joint_value(in, 5, wrist.angles[w][2]);
+            bool reached = triangle_cosine(len, a2, a3, c3, in.reach_tol);
+            if (near_singular) {
+                const float to_ref = std::remainder(theta234_ref - t234, kTwoPi);
+                const bool keep_ref = std::fabs(to_ref) <= slack;
+                const float moved = keep_ref || !reached
+                                        ? reachable_t234(t234 + (keep_ref ? to_ref : 0.0f), px, oz, d4, a2, a3)
+                                        : t234;
+                if (moved != t234 && std::fabs(std::remainder(moved - t234, kTwoPi)) <= slack) {
+                    const ZyzRest rest = zyz_rest(rot, moved);
+                    t234 = moved;
+                    s234 = std::sin(moved);
+                    c234 = std::cos(moved);
+                    t5 = -rest.b;
+                    t6 = rest.c;
+                    x = px - d4 * s234;
+                    y = oz + d4 * c234;
+                    len = std::sqrt(x * x + y * y);
+                    reached = triangle_cosine(len, a2, a3, c3, in.reach_tol);
+                }
+            }
+            if (!reached) continue;
+            q[4] = joint_value(in, 4, t5);
+            q[5] = joint_value(in, 5, t6);
             const float s3 = std::sqrt(1.0f - c3 * c3);
             const float gamma = fast_atan2(s3, c3);
             const float towards = len < kAxisEps ? 0.0f : fast_atan2(y, x);
@@ -143,11 +175,11 @@ using namespace algo::ik;
 extern "C" {
 
 int ikine_lux6_solver(const DH* dh, const Matrix* flange, const float* q_ref, IkSolve* solve) {
-    return solve_with_table(solve_parallel_axes, 6, dh, flange, q_ref, solve);
+    return solve_with_table(model_solver(LUX65), dh, flange, q_ref, solve);
 }
 
 int inverse_kinematics_lux6(const Matrix* flange, const float* q_ref, float* q_out) {
-    return solve_flange_target(solve_parallel_axes, 6, flange, q_ref, q_out);
+    return solve_flange_target(model_solver(LUX65), flange, q_ref, q_out);
 }
 
 }  // extern "C"

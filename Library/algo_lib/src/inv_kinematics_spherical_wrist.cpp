@@ -71,7 +71,7 @@ int solve_with_elbow_offset(const SolveInput& in, const Matrix& flange, float a3
     const SinCos beta = {d4 / ell, a3 / ell};
     const float y = wz - d1;
     float cg;
-    if (!triangle_cosine(std::sqrt(reach * reach + y * y), a2, ell, cg)) return 0;
+    if (!triangle_cosine(std::sqrt(reach * reach + y * y), a2, ell, cg, in.reach_tol)) return 0;
     const float sg = std::sqrt(1.0f - cg * cg);
     const float gamma = fast_atan2(sg, cg);
     const float beta_angle = fast_atan2(d4, a3);
@@ -123,23 +123,23 @@ using namespace algo::ik;
 extern "C" {
 
 int ikine_qm6_solver(const DH* dh, const Matrix* flange, const float* q_ref, IkSolve* solve) {
-    return solve_with_table(solve_spherical_wrist, 6, dh, flange, q_ref, solve);
+    return solve_with_table(model_solver(QM65), dh, flange, q_ref, solve);
 }
 
 int ikine_qml6II_solver(const DH* dh, const Matrix* flange, const float* q_ref, IkSolve* solve) {
-    return solve_with_table(solve_spherical_wrist_offset, 6, dh, flange, q_ref, solve);
+    return solve_with_table(model_solver(QML63II), dh, flange, q_ref, solve);
 }
 
 int inverse_kinematics_qm6(const Matrix* flange, const float* q_ref, float* q_out) {
-    return solve_flange_target(solve_spherical_wrist, 6, flange, q_ref, q_out);
+    return solve_flange_target(model_solver(QM65), flange, q_ref, q_out);
 }
 
 int inverse_kinematics_qml63_2(const Matrix* flange, const float* q_ref, float* q_out) {
-    return solve_flange_target(solve_spherical_wrist_offset, 6, flange, q_ref, q_out);
+    return solve_flange_target(model_solver(QML63II), flange, q_ref, q_out);
 }
 
 int inverse_kinematics_qml63_3(const Matrix* flange, const float* q_ref, float* q_out) {
-    return solve_flange_target(solve_spherical_wrist_offset, 6, flange, q_ref, q_out);
+    return solve_flange_target(model_solver(QML63III), flange, q_ref, q_out);
 }
 
 }  // extern "C"

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "dh_table_shape.h"
 #include "libalgo_interface.h"
 
 using algo::robot;
@@ -29,14 +30,19 @@ bool valid_joint(int joint) { return joint >= 0 && joint < ROBOT_DOF; }
 extern "C" {
 
 void libalgo_set_dh_params(const DH* dh) {
-    if (dh != nullptr) robot.dh = *dh;
+    if (dh == nullptr) return;
+    robot.dh = *dh;
+    algo::table_in_use_changed();
 }
 
 void libalgo_get_dh_value(DH* dh) {
     if (dh != nullptr) *dh = robot.dh;
 }
 
-void libalgo_set_dh_params_default(void) { robot.dh = algo::dh_default; }
+void libalgo_set_dh_params_default(void) {
+    robot.dh = algo::dh_default;
+    algo::table_in_use_changed();
+}
 
 void libalgo_get_dh_params_default(DH* dh) {
     if (dh != nullptr) *dh = algo::dh_default;

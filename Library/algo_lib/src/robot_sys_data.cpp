@@ -1,6 +1,7 @@
 // The system-data record and the loading of a model's defaults.
 #include <algorithm>
 
+#include "dh_table_shape.h"
 #include "libalgo_interface.h"
 #include "qman_mathfuncs.h"
 #include "robot_model_data.h"
@@ -73,7 +74,9 @@ int libalgo_set_robot_and_sensor_type(int robot_type, int sensor_type) {
     robot.install_matrix = unit_matrix(4);
     robot.dyn.gravity_acc[2] = robot.gravity;
 
-    return lib_internal_set_robot_default_config(robot_type, sensor_type);
+    const int result = lib_internal_set_robot_default_config(robot_type, sensor_type);
+    algo::table_in_use_changed();
+    return result;
 }
 
 int libalgo_get_robot_type(void) { return robot.robot_type; }

@@ -15,12 +15,15 @@
 #ifndef QM_COMMAND_H
 #define QM_COMMAND_H
 
+#include <algorithm>
 #include <array>
 #include <chrono>
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <functional>
 #include <initializer_list>
+#include <optional>
 #include <span>
 #include <string>
 #include <utility>
@@ -54,6 +57,18 @@ inline int thousandths(float value) { return truncate(value * 1000.0f); }
 inline int per_six(float value) { return truncate(value / 6.0f * 1000.0f); }
 // Whole number without scaling (the install angles): 90.9 goes out as 90.
 inline int whole(float value) { return truncate(value); }
+// Any value -> tenths, single precision (desired forces).
+inline int tenths(float value) { return truncate(value * 10.0f); }
+// The whole part, then tenths: 12.7 goes out as 120 (single forces drop their fraction first).
+inline int truncated_tenths(float value) { return truncate(std::trunc(static_cast<double>(value)) * 10.0); }
+
+// One rule applied to each value of a record's fixed array.
+template <std::size_t N, class Rule>
+std::array<int, N> each(const float (&values)[N], Rule rule) {
+    std::array<int, N> out{};
+    for (std::size_t i = 0; i < N; ++i) out[i] = rule(values[i]);
+    return out;
+}
 
 // Incoming integers back to floats.
 inline float from_thousandths(int value) { return static_cast<float>(static_cast<float>(value) / 1000.0); }
@@ -109,14 +124,27 @@ private:
     std::vector<Member> members_;
 };
 
+// How a pose target compares its squared quaternion norm with the bounds 0.99 and 1.1
+// (both strict): the single-precision norm against the double bounds, or against the bounds
+// as floats, so that a norm of exactly 0.99f or 1.1f lies outside.
+enum class NormBounds { in_double, in_single };
+
 // A streamed pose target: "pose_quat" [x, y, z, w, qx, qy, qz] whenever the quaternion is near
 // unit length (squared norm, in single precision, strictly between 0.99 and 1.1), else "pose"
 // with the Euler angles.
-inline Request& add_pose_target(Request& req, const qm_pose_t& pose) {
+inline Request& add_pose_target(Request& req, const qm_pose_t& pose, NormBounds bounds = NormBounds::in_double) {
     const qm_quat_t& q = pose.quaternion;
-    const double norm = q.w * q.w + q.x * q.x + q.y * q.y + q.z * q.z;
-    if (norm > 0.99 && norm < 1.1) return req.ints("pose_quat", wire::pose_quat7(pose));
+    const float norm = q.w * q.w + q.x * q.x + q.y * q.y + q.z * q.z;
+    const bool near_unit = bounds == NormBounds::in_double ? norm > 0.99 && norm < 1.1 : norm > 0.99f && norm < 1.1f;
+    if (near_unit) return req.ints("pose_quat", wire::pose_quat7(pose));
     return req.ints("pose", wire::pose6(pose));
+}
+
+// Whether a streamed target's radio exceeds the bound of its trajectory mode (0, 100, 1000
+// for modes 0, 1, 2; other modes have none). Callers only warn: the target still goes out.
+inline bool radio_exceeds(int trajectory_mode, int radio) {
+    constexpr int kRadioMax[] = {0, 100, 1000};
+    return trajectory_mode >= 0 && trajectory_mode <= 2 && radio > kRadioMax[trajectory_mode];
 }
 
 // ---- reply ----
@@ -150,6 +178,11 @@ private:
     Reply(const char* key, const char* checked, Timeout timeout) : key(key), checked(checked), timeout(timeout) {}
 };
 
+// A wait given in seconds by the caller, saturated to what an exchange can take.
+inline std::chrono::milliseconds seconds_wait(int seconds) {
+    return std::chrono::milliseconds(std::clamp<long long>(seconds * 1000LL, 0, INT32_MAX));
+}
+
 // ---- exchanges ----
 // Sends and waits. The result of qm_pack_lock_set: the reply's length (>= 1) with the reply
 // in `text`, or -1 / -2.
@@ -161,6 +194,14 @@ inline constexpr std::chrono::milliseconds kUnansweredHold{800};
 // A set command: an exchange result below 1 is returned, else the judgement of reply.checked
 // (0 true, 1 false, -3 missing or unparsable).
 int send_set(const char* caller, qm_robot_handle* handle, const Request& req, const Reply& reply);
+// A set command answered under its own name within the query timeout, `checked` judged.
+inline int send_set_quick(const char* caller, qm_robot_handle* handle, const Request& req, const char* checked) {
+    return send_set(caller, handle, req, Reply(req.command(), checked).with_query_timeout());
+}
+// send_set when `reply` is given; without, the request is only sent and the exchange held
+// for `pause` (the send result).
+int send_set_or_only(const char* caller, qm_robot_handle* handle, const Request& req,
+                     const std::optional<Reply>& reply, std::chrono::milliseconds pause);
 // A query parsed through a key table: an exchange result below 1 is returned, else
 // common_json_parse's result (0 or -3).
 int send_query(const char* caller, qm_robot_handle* handle, const Request& req, const Reply& reply,
@@ -230,15 +271,27 @@ struct ArrayField {
 // The arm's dof, or -1 after logging "[caller] The robotic arm has been disconnected".
 int dof_or_disconnected(const char* caller, qm_robot_handle* handle);
 
+// A joint target in thousandths of a degree: exactly the arm's dof values.
+struct JointTarget {
+    std::array<int, 10> values{};
+    int dof = 0;
+    std::span<const int> span() const { return {values.data(), static_cast<size_t>(dof)}; }
+};
+// The first dof angles of `joint`; none without joints or with a disconnected arm (logged).
+std::optional<JointTarget> joint_target(const char* caller, qm_robot_handle* handle, const float* joint);
+
+// The arm's model, dof, force-sensing variant and controller generation; none when unknown.
+std::optional<qm_robot_info_t> robot_info_of(qm_robot_handle* handle);
+
 // Exchange; then the arm's dof is read (after the exchange, deliberately: the request goes out
 // before the dof is known). 0 with the reply in `text` and the dof in `dof`, the exchange's code
 // (below 1), or -1 for a disconnected arm.
 int exchange_with_dof(const char* caller, qm_robot_handle* handle, const Request& req, const Reply& reply,
                       std::string& text, int& dof);
 
-// exchange_with_dof; then the arrays are parsed with one key table, in order, and stored
-// element by element. 0, the exchange's code, -1 for a disconnected arm, or the parse result.
-// `dof` receives the dof used when given.
+// Exchange (with the dof read after it when an array is dof-long); then the arrays are parsed
+// with one key table, in order, and stored element by element. 0, the exchange's code, -1 for
+// a disconnected arm, or the parse result. `dof` receives the dof used when given.
 int query_dof_arrays(const char* caller, qm_robot_handle* handle, const Request& req, const Reply& reply,
                      std::initializer_list<ArrayField> arrays, int* dof = nullptr);
 
@@ -268,6 +321,22 @@ struct JointArrayQuery {
         return query_joint_floats(caller, handle, Request(command), Reply::query(reply_key), member, scale, out, cache);
     }
 };
+
+// ---- device motions ----
+// A gripper or hand command that may wait for its device's arrival event.
+struct DeviceMotion {
+    const char* reply_key;
+    const char* checked;  // the acceptance's boolean
+    int device;
+    bool sent_only_when_idle = false;  // neither blocking nor given a timeout: only sent
+    int missed_result = -5;            // no arrival within the timeout
+    int foreign_result = -4;           // another device's arrival
+    bool logs_missed = false;          // logs "timeout error" when no arrival came
+};
+// Not blocking: the acceptance decides. Blocking: the acceptance is awaited but the arrival
+// within timeout_s seconds decides, even after a refusal (intended: the device reports itself).
+int device_motion(const char* caller, qm_robot_handle* handle, const Request& req, const DeviceMotion& motion,
+                  bool block, int timeout_s);
 
 // Copies at most max_chars of src into the field of field_size bytes, always terminated.
 void copy_text(char* dst, std::size_t field_size, const char* src, std::size_t max_chars);

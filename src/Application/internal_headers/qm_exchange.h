@@ -5,6 +5,8 @@
 
 #include <cjson/cJSON.h>
 
+#include <optional>
+
 #include "qm_define.h"
 #include "qm_fifo.h"
 
@@ -75,24 +77,39 @@ int qm_get_data_common(qm_robot_handle* handle, int* data, const char* cmd_str, 
 int qm_set_data_common(qm_robot_handle* handle, int data, const char* cmd_str, const char* valua_str);
 
 // How one family waits for the end of a blocking move: which device's arrival ends it,
-// which planned-trajectory type the move shows while it runs, and the pacing of the
-// fallback polls. Each family supplies its constants; the loop exists once.
+// what shows that the move still runs, and the pacing of the fallback polls. Each family
+// supplies its constants; the loop exists once.
 struct MoveWait {
     const char* caller;          // name in log messages
     int device = 0;              // device whose arrival event ends the wait (0: the arm)
     int trajectory_type = 0;     // qm_arm_current_trajectory_e shown while the move runs
     int event_timeout_ms = 0;    // one wait for the arrival event; 0 takes the query timeout
-    bool poll_first = false;     // watch the planned trajectory first; await the event only once nothing runs
+    bool poll_first = false;     // watch the move first; await the event only once nothing runs
     int seen_pause_ms = 50;      // pause while the move is seen running
     int other_pause_ms = 100;    // pause while another trajectory runs
-    int idle_pause_ms = 100;     // pause while nothing is planned yet
-    int idle_polls = 5;          // "nothing planned" answers tolerated before the last wait
-    int poll_failures = 5;       // failed trajectory polls tolerated
+    int idle_pause_ms = 100;     // pause while nothing runs yet
+    int idle_polls = 5;          // "nothing runs" answers tolerated before the last wait
+    int poll_failures = 5;       // failed polls tolerated
+    // A device that reports its own state (the lift and expansion axes): a non-zero mode
+    // shows the move running, in place of the arm's planned trajectory.
+    int (*device_state)(qm_robot_handle*, qm_expand_state_t*) = nullptr;
+    // The last wait for the event came back empty: below 0 the wait gives -6, else it pauses
+    // this long and watches the move again.
+    int missed_event_pause_ms = -1;
+    // The result in a thread mode other than the three; none waits as in the threaded modes.
+    std::optional<int> other_mode_result{};
+    // The one-event wait of the gripper and the hand: its results for no event in time and
+    // for another device's event.
+    int missed_result = -5;
+    int foreign_result = -4;
 };
 // Waits for the arrival event after a blocking move was accepted; `block` is the number
 // of one-second turns in single-thread mode. 0 arrived, 1 the trajectory ended without
 // success, -4 another device arrived, -5/-6 timeouts, or a poll's error.
 int qm_wait_move_arrival(qm_robot_handle* handle, const MoveWait& wait, int block);
+// Waits up to timeout_ms for one arrival event, in every thread mode: 0 the device arrived,
+// 1 its motion failed, wait.missed_result none came, wait.foreign_result another device's came.
+int qm_wait_device_arrival(qm_robot_handle* handle, const MoveWait& wait, int timeout_ms);
 
 // Listener state shared by the non-blocking moves and the mailbox.
 void qm_event_listener_set_flag(int flag);

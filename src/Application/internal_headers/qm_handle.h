@@ -37,7 +37,7 @@ struct qm_handle_t {
 using HandlePtr = std::shared_ptr<qm_handle_t>;
 using HandleTable = std::array<HandlePtr, HANDLE_LIST_MAX>;
 
-extern std::atomic<qm_thread_mode_e> g_mode;
+extern std::atomic<int> g_mode;  // a qm_thread_mode_e, or any value a C caller passed
 extern std::atomic<int> should_exit;
 extern std::atomic<uint32_t> m_nOutTime;         // query reply timeout, ms
 extern std::atomic<uint32_t> m_nOutTime_max;     // set reply timeout, ms

@@ -74,7 +74,8 @@ qm_matrix_t invoke_from_matrix(const Matrix& m);
 IkSolve invoke_to_ik_solve(const qm_inverse_kinematics_all_solve_t& s);  // degrees to rad
 qm_inverse_kinematics_all_solve_t invoke_from_ik_solve(const IkSolve& s);
 
-// Orientation form of an inverse-kinematics request: flag 0 reads the quaternion.
+// Orientation form of an inverse-kinematics request: flag 0 reads the quaternion, any other
+// value the Euler angles.
 int invoke_ik_form(uint8_t flag);
 // inverse_kinematics on degrees, timed; q_out (degrees) is written on success only.
 int invoke_inverse_kinematics(const float* q_in, const qm_pose_t& target, int form, float* q_out);

@@ -308,7 +308,7 @@ typedef struct {
 typedef struct {
     float q_in[7];     /* reference joints, degrees */
     qm_pose_t q_pose;  /* target pose of the tool */
-    uint8_t flag;      /* 0: the target's quaternion is used, 1: its Euler angles */
+    uint8_t flag;      /* 0: the target's quaternion is used, any other value its Euler angles */
 } qm_inverse_kinematics_params_t;
 
 typedef struct {
@@ -506,6 +506,76 @@ typedef struct {
     int list_len; /* entries of master_list filled, at most 100 */
     qm_modbus_tcp_master_info_t master_list[100];
 } qm_modbus_tcp_master_list_t;
+
+/* ---- grippers, dexterous hand, lift and expansion axes ---- */
+
+/* The two-finger gripper's state, as the controller reports it. */
+typedef struct {
+    int enable_state;
+    int status;
+    int error;
+    int mode;
+    int current_force;
+    int temperature;
+    int actpos;
+} qm_gripper_state_t;
+
+/* The state of the lift axis or of the expansion axis; mode is non-zero while it moves. */
+typedef struct {
+    int pos;
+    int current;
+    int err_flag;
+    int mode;
+} qm_expand_state_t;
+
+/* ---- force sensing, drag teaching and force-position control ---- */
+
+/* Six-axis sensor reading: raw, zeroed, zeroed in the work frame, zeroed in the tool frame. */
+typedef struct {
+    float force_data[6];
+    float zero_force_data[6];
+    float work_zero_force_data[6];
+    float tool_zero_force_data[6];
+} qm_force_data_t;
+
+/* One-axis sensor reading, the same four views. */
+typedef struct {
+    float Fz;
+    float zero_Fz;
+    float work_zero_Fz;
+    float tool_zero_Fz;
+} qm_fz_data_t;
+
+/* Multi-axis drag teaching: one free flag per Cartesian axis, reference frame, singularity wall. */
+typedef struct {
+    int free_axes[6];
+    int frame;
+    int singular_wall;
+} qm_multi_drag_teach_t;
+
+/* Force-position control: per Cartesian axis a control mode, a desired force and a speed limit. */
+typedef struct {
+    int sensor;
+    int mode;
+    int control_mode[6];
+    float desired_force[6];
+    float limit_vel[6];
+} qm_force_position_t;
+
+/* One streamed force-position target: joint (flag 0, degrees) or pose (flag 1). */
+typedef struct {
+    int flag;
+    qm_pose_t pose;
+    float joint[ARM_DOF];
+    int sensor;
+    int mode;
+    bool follow;
+    int control_mode[6];
+    float desired_force[6];
+    float limit_vel[6];
+    int trajectory_mode; /* 0, 1 or 2; bounds radio at 0, 100 and 1000 */
+    int radio;
+} qm_force_position_move_t;
 
 #ifdef __cplusplus
 }

@@ -98,7 +98,8 @@ void qm_algo_get_joint_max_speed(float* joint_speed);
 void qm_algo_set_joint_max_acc(const float* joint_acc);
 /* Reads the joint acceleration limits in the controller's unit. */
 void qm_algo_get_joint_max_acc(float* joint_acc);
-/* Replaces the DH table in use (metres, radians). */
+/* Replaces the DH table in use (metres, radians); the next kinematics call uses every entry,
+ * calibrated lengths and twists included. */
 void qm_algo_set_dh(qm_dh_t dh);
 /* The DH table in use. */
 qm_dh_t qm_algo_get_dh(void);
@@ -106,10 +107,18 @@ qm_dh_t qm_algo_get_dh(void);
 void qm_algo_set_redundant_parameter_traversal_mode(bool mode);
 /* Loads a connected arm's model, frames, limits, install angles and DH table; NULL changes nothing. */
 void qm_algo_arm_state_set(qm_robot_handle* handle);
-/* Tool pose in the work frame for the joints; an all-zero pose when joint is NULL. */
+/* Tool pose in the work frame for the joints; an all-zero pose when joint is NULL.
+ * The work frame is included here but not in qm_algo_inverse_kinematics, whose target is in the
+ * base frame: with a work frame set, a round trip through both does not close unless the pose is
+ * first converted with qm_algo_workframe2base. Within about 0.1 degrees of +-90 degrees pitch the
+ * Euler angles lose up to 3e-3 rad (yaw is folded into roll); round trips there should pass the
+ * quaternion (flag 0). */
 qm_pose_t qm_algo_forward_kinematics(qm_robot_handle* handle, const float* joint);
 /* Joints reaching params.q_pose nearest params.q_in: 0 solved, 1 no solution,
- * -1 reference outside the joint limits, -2 quaternion not normalised (flag 0). */
+ * -1 reference outside the joint limits, -2 quaternion not normalised (flag 0).
+ * The target is the tool pose in the base frame: the work frame is not applied, although
+ * qm_algo_forward_kinematics applies it. Near +-90 degrees pitch the Euler angles of a pose carry
+ * up to 3e-3 rad less accuracy than its quaternion; use flag 0 there. */
 int qm_algo_inverse_kinematics(qm_robot_handle* handle, qm_inverse_kinematics_params_t params, float* q_out);
 /* Every solution branch for the target, unfiltered, joints in degrees. */
 qm_inverse_kinematics_all_solve_t qm_algo_inverse_kinematics_all(qm_robot_handle* handle, qm_inverse_kinematics_params_t params);
@@ -163,7 +172,8 @@ int qm_algo_inverse_kinematics_qm75_for_arm_angle(const float* q_ref, qm_pose_t 
 qm_pose_t qm_algo_cartesian_tool(qm_robot_handle* handle, const float* curr_joint, float move_lengthx, float move_lengthy, float move_lengthz);
 /* Tool pose after turning rotate_angle degrees about axis 1 X, 2 Y, 3 Z of the frame choose_axis; the position stays. */
 qm_pose_t qm_algo_rotate_move(qm_robot_handle* handle, const float* curr_joint, int rotate_axis, float rotate_angle, qm_pose_t choose_axis);
-/* poseCurrent stepped by deltaPosAndRot (dx, dy, dz m; rx, ry, rz rad) in frame 0 work or 1 tool; other frames give a zero pose. */
+/* poseCurrent stepped by deltaPosAndRot (dx, dy, dz m; rx, ry, rz rad) in frame 0 work or 1 tool; other frames give a
+ * zero pose. A step without rotation returns poseCurrent's Euler angles and quaternion unchanged. */
 qm_pose_t qm_algo_pose_move(qm_robot_handle* handle, qm_pose_t poseCurrent, const float* deltaPosAndRot, int frameMode);
 
 /* ---- arm state and information ---- */
@@ -550,6 +560,128 @@ int qm_read_modbus_tcp_input_registers(qm_robot_handle* handle, qm_modbus_tcp_re
 int qm_write_modbus_tcp_coils(qm_robot_handle* handle, qm_modbus_tcp_write_params_t param);
 /* Writes param.num holding registers of a TCP slave. */
 int qm_write_modbus_tcp_registers(qm_robot_handle* handle, qm_modbus_tcp_write_params_t param);
+
+/* ---- grippers, dexterous hand, lift and expansion axes ---- */
+/* Blocking gripper and hand commands wait `timeout` seconds for their device's arrival:
+ * -5 when none came, -4 when another device arrived. */
+
+/* Sets the gripper's opening range. */
+int qm_set_gripper_route(qm_robot_handle* handle, int min_limit, int max_limit);
+/* Opens the gripper; neither blocking nor given a timeout, it is only sent. */
+int qm_set_gripper_release(qm_robot_handle* handle, int speed, bool block, int timeout);
+/* Closes the gripper with a force limit; neither blocking nor given a timeout, it is only sent. */
+int qm_set_gripper_pick(qm_robot_handle* handle, int speed, int force, bool block, int timeout);
+/* Closes the gripper and keeps the force; neither blocking nor given a timeout, it is only sent. */
+int qm_set_gripper_pick_on(qm_robot_handle* handle, int speed, int force, bool block, int timeout);
+/* Moves the gripper to a position. Blocking, a missing arrival gives -4 and another device -5. */
+int qm_set_gripper_position(qm_robot_handle* handle, int position, bool block, int timeout);
+/* The gripper's state. */
+int qm_get_gripper_state(qm_robot_handle* handle, qm_gripper_state_t* state);
+/* Runs a stored hand posture. */
+int qm_set_hand_posture(qm_robot_handle* handle, int posture_num, bool block, int timeout);
+/* Runs a stored hand sequence. */
+int qm_set_hand_seq(qm_robot_handle* handle, int seq_num, bool block, int timeout);
+/* Sets the six finger angles. */
+int qm_set_hand_angle(qm_robot_handle* handle, const int* hand_angle);
+/* Streams six finger angles; blocking, waits at most 20 ms for the answer. */
+int qm_set_hand_follow_angle(qm_robot_handle* handle, const int* hand_angle, bool block);
+/* Streams six finger positions; blocking, waits at most 20 ms for the answer. */
+int qm_set_hand_follow_pos(qm_robot_handle* handle, const int* hand_pos, bool block);
+/* Sets the hand's speed. */
+int qm_set_hand_speed(qm_robot_handle* handle, int speed);
+/* Sets the hand's force limit. */
+int qm_set_hand_force(qm_robot_handle* handle, int hand_force);
+/* Sets the lift axis's speed. */
+int qm_set_lift_speed(qm_robot_handle* handle, int speed);
+/* Moves the lift axis; a non-zero block waits for its arrival (single-thread mode: block seconds). */
+int qm_set_lift_height(qm_robot_handle* handle, int speed, int height, int block);
+/* The lift axis's state; its height lands in pos. */
+int qm_get_lift_state(qm_robot_handle* handle, qm_expand_state_t* state);
+/* Sets the expansion axis's speed. */
+int qm_set_expand_speed(qm_robot_handle* handle, int speed);
+/* Moves the expansion axis; a non-zero block waits for its arrival (single-thread mode: block seconds). */
+int qm_set_expand_pos(qm_robot_handle* handle, int speed, int pos, int block);
+/* The expansion axis's state. */
+int qm_get_expand_state(qm_robot_handle* handle, qm_expand_state_t* state);
+/* Sets the end-effector ecosystem's mode. */
+int qm_set_qm_plus_mode(qm_robot_handle* handle, int mode);
+/* The end-effector ecosystem's mode. */
+int qm_get_qm_plus_mode(qm_robot_handle* handle, int* mode);
+/* Sets the end-effector ecosystem's touch mode. */
+int qm_set_qm_plus_touch(qm_robot_handle* handle, int mode);
+/* The end-effector ecosystem's touch mode. */
+int qm_get_qm_plus_touch(qm_robot_handle* handle, int* mode);
+/* The end-effector's base information; 1 when the controller has none to give. */
+int qm_get_qm_plus_base_info(qm_robot_handle* handle, qm_plus_base_info_t* info);
+/* The end-effector's live state; 1 when the controller has none to give. */
+int qm_get_qm_plus_state_info(qm_robot_handle* handle, qm_plus_state_info_t* info);
+
+/* ---- force sensing, drag teaching and force-position control ---- */
+/* Force-variant refusals send nothing and give -4. */
+
+/* Six-axis sensor reading, newtons and newton-metres. */
+int qm_get_force_data(qm_robot_handle* handle, qm_force_data_t* data);
+/* Zeroes the six-axis sensor. */
+int qm_clear_force_data(qm_robot_handle* handle);
+/* Calibrates the six-axis sensor automatically; blocking, waits up to 30 s for the end. */
+int qm_set_force_sensor(qm_robot_handle* handle, bool block);
+/* Sends calibration pose count (1..4, else 1) at dof joint angles in degrees; the fourth, blocking, waits up to 30 s. */
+int qm_manual_set_force(qm_robot_handle* handle, int count, float* joint, bool block);
+/* Stops a sensor calibration. */
+int qm_stop_set_force_sensor(qm_robot_handle* handle);
+/* One-axis sensor reading; -4 on an arm without the one-axis sensor. */
+int qm_get_Fz(qm_robot_handle* handle, qm_fz_data_t* data);
+/* Zeroes the one-axis sensor. */
+int qm_clear_Fz(qm_robot_handle* handle);
+/* Calibrates the one-axis sensor automatically; blocking, waits up to 30 s for the end. */
+int qm_auto_set_Fz(qm_robot_handle* handle, bool block);
+/* Calibrates the one-axis sensor at two poses (dof joint angles in degrees); blocking, waits up to 30 s. */
+int qm_manual_set_Fz(qm_robot_handle* handle, float* joint1, float* joint2, bool block);
+/* Starts drag teaching, recording the trajectory when trajectory_record is 1. */
+int qm_start_drag_teach(qm_robot_handle* handle, int trajectory_record);
+/* Stops drag teaching. */
+int qm_stop_drag_teach(qm_robot_handle* handle);
+/* Starts multi-axis drag teaching: 1 on an arm without six-axis sensing, -4 before the fourth generation. */
+int qm_start_multi_drag_teach(qm_robot_handle* handle, int mode, int singular_wall);
+/* Starts multi-axis drag teaching; without six-axis sensing only the frame is sent. */
+int qm_start_multi_drag_teach_new(qm_robot_handle* handle, qm_multi_drag_teach_t teach_state);
+/* Sets the drag teaching sensitivity grade. */
+int qm_set_drag_teach_sensitivity(qm_robot_handle* handle, int grade);
+/* The drag teaching sensitivity grade. */
+int qm_get_drag_teach_sensitivity(qm_robot_handle* handle, int* grade);
+/* Returns to the start of the taught trajectory; a non-zero block waits for the arrival
+ * (single-thread mode: block seconds). */
+int qm_drag_trajectory_origin(qm_robot_handle* handle, int block);
+/* Replays the taught trajectory; a non-zero timeout (seconds) waits for the replay's answer. */
+int qm_run_drag_trajectory(qm_robot_handle* handle, int timeout);
+/* Pauses the replay. */
+int qm_pause_drag_trajectory(qm_robot_handle* handle);
+/* Continues the replay. */
+int qm_continue_drag_trajectory(qm_robot_handle* handle);
+/* Stops the replay. */
+int qm_stop_drag_trajectory(qm_robot_handle* handle);
+/* Starts force-position control along one direction with force N, in whole newtons. */
+int qm_set_force_position(qm_robot_handle* handle, int sensor, int mode, int direction, float N);
+/* Starts force-position control with per-axis modes, forces (N) and speed limits (m/s). */
+int qm_set_force_position_new(qm_robot_handle* handle, qm_force_position_t param);
+/* Ends force-position control. */
+int qm_stop_force_position(qm_robot_handle* handle);
+/* Sets the force drag mode; -4 on an arm without force sensing. */
+int qm_set_force_drag_mode(qm_robot_handle* handle, int mode);
+/* The force drag mode; -4 on an arm without force sensing. */
+int qm_get_force_drag_mode(qm_robot_handle* handle, int* mode);
+/* Opens a stream of force-position moves. */
+int qm_start_force_position_move(qm_robot_handle* handle);
+/* Closes the stream of force-position moves. */
+int qm_stop_force_position_move(qm_robot_handle* handle);
+/* Streams a force-position joint target (dof angles in degrees, force in whole newtons); no answer awaited. */
+int qm_force_position_move_joint(qm_robot_handle* handle, const float* joint, int sensor, int mode, int dir,
+                                 float force, bool follow);
+/* Streams a force-position pose target (force in whole newtons); no answer awaited. */
+int qm_force_position_move_pose(qm_robot_handle* handle, qm_pose_t pose, int sensor, int mode, int dir,
+                                float force, bool follow);
+/* Streams a force-position target with per-axis modes, forces and speed limits; no answer awaited. */
+int qm_force_position_move(qm_robot_handle* handle, qm_force_position_move_t param);
 
 #ifdef __cplusplus
 }

@@ -7,6 +7,7 @@
 
 #include "log.h"
 #include "qm_handle.h"
+#include "qm_interface.h"
 
 namespace wire {
 
@@ -161,6 +162,11 @@ int send_query(const char* caller, qm_robot_handle* handle, const Request& req, 
     return common_json_parse(caller, text.c_str(), table.data(), static_cast<int>(table.size()));
 }
 
+int send_set_or_only(const char* caller, qm_robot_handle* handle, const Request& req,
+                     const std::optional<Reply>& reply, std::chrono::milliseconds pause) {
+    return reply ? send_set(caller, handle, req, *reply) : send_only(caller, handle, req, pause);
+}
+
 namespace {
 
 KeyValue member(JsonValueType type, const char* key, int size = 0) {
@@ -228,6 +234,21 @@ int dof_or_disconnected(const char* caller, qm_robot_handle* handle) {
         return -1;
     }
     return dof;
+}
+
+std::optional<JointTarget> joint_target(const char* caller, qm_robot_handle* handle, const float* joint) {
+    if (!joint) return std::nullopt;
+    JointTarget target;
+    target.dof = dof_or_disconnected(caller, handle);
+    if (target.dof < 0) return std::nullopt;
+    for (int i = 0; i < target.dof; ++i) target.values[i] = wire::millidegrees(joint[i]);
+    return target;
+}
+
+std::optional<qm_robot_info_t> robot_info_of(qm_robot_handle* handle) {
+    qm_robot_info_t info{};
+    if (qm_get_robot_info(handle, &info) != 0) return std::nullopt;
+    return info;
 }
 
 int exchange_with_dof(const char* caller, qm_robot_handle* handle, const Request& req, const Reply& reply,
@@ -302,6 +323,24 @@ int query_joint_floats(const char* caller, qm_robot_handle* handle, const Reques
             if (i < ARM_DOF) cached[i] = out[i];
         }
     });
+}
+
+// ---- device motions ----
+
+int device_motion(const char* caller, qm_robot_handle* handle, const Request& req, const DeviceMotion& motion,
+                  bool block, int timeout_s) {
+    if (motion.sent_only_when_idle && !block && timeout_s == 0) return send_only(caller, handle, req, {});
+    std::string text;
+    if (int rc = exchange(caller, handle, req, Reply(motion.reply_key, motion.checked), text); rc < 1) return rc;
+    const int accepted = parse_qm_set_command(caller, text.c_str(), motion.checked);
+    if (!block) return accepted;
+    MoveWait wait{.caller = caller,
+                  .device = motion.device,
+                  .missed_result = motion.missed_result,
+                  .foreign_result = motion.foreign_result};
+    const int arrived = qm_wait_device_arrival(handle, wait, static_cast<int>(seconds_wait(timeout_s).count()));
+    if (arrived == motion.missed_result && motion.logs_missed) qm_log_error("[%s] timeout error\n", caller);
+    return arrived;
 }
 
 int with_record(qm_robot_handle* handle, const std::function<void(qm_handle_t&)>& write) {

@@ -12,7 +12,7 @@
 #include "qm_receive.h"
 #include "qm_sync.h"
 
-std::atomic<qm_thread_mode_e> g_mode{QM_SINGLE_MODE_E};
+std::atomic<int> g_mode{QM_SINGLE_MODE_E};
 std::atomic<int> should_exit{0};
 std::atomic<uint32_t> m_nOutTime{500};
 std::atomic<uint32_t> m_nOutTime_max{1000};
@@ -102,7 +102,7 @@ int qm_init(qm_thread_mode_e mode) {
     join_threads();
 
     qm_rwlock_init();
-    g_mode = mode;
+    g_mode = static_cast<int>(mode);
     should_exit = 0;
     {
         std::unique_lock lock(rwlock);

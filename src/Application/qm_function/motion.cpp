@@ -68,22 +68,6 @@ int planned(const PlannedMove& move, qm_robot_handle* handle, std::span<const in
     return settle(move, handle, accepted, args.trajectory_connect, block);
 }
 
-struct JointTarget {
-    std::array<int, 10> values{};
-    int dof = 0;
-    std::span<const int> span() const { return {values.data(), static_cast<size_t>(dof)}; }
-};
-
-// The first dof angles of `joint` in thousandths of a degree; none without joints or a known dof.
-std::optional<JointTarget> joint_target(const char* caller, qm_robot_handle* handle, const float* joint) {
-    if (!joint) return std::nullopt;
-    JointTarget target;
-    target.dof = dof_or_disconnected(caller, handle);
-    if (target.dof < 0) return std::nullopt;
-    for (int i = 0; i < target.dof; ++i) target.values[i] = wire::millidegrees(joint[i]);
-    return target;
-}
-
 int joint_move(const PlannedMove& move, qm_robot_handle* handle, const float* joint, MoveArgs args,
                std::optional<int> block) {
     auto target = joint_target(move.log_name, handle, joint);
@@ -146,12 +130,6 @@ int arc_move(qm_robot_handle* handle, const qm_pose_t& via, const qm_pose_t& to,
 // Streamed targets go out without awaiting any reply.
 int stream(const char* caller, qm_robot_handle* handle, const Request& req) {
     return send_only(caller, handle, req, milliseconds(0));
-}
-
-// The radio bound of each trajectory mode; a larger radio only warns and still goes out.
-bool radio_too_large(int trajectory_mode, int radio) {
-    constexpr int kRadioMax[] = {0, 100, 1000};
-    return trajectory_mode >= 0 && trajectory_mode <= 2 && radio > kRadioMax[trajectory_mode];
 }
 
 }  // namespace
@@ -241,7 +219,7 @@ int qm_movec(qm_robot_handle* handle, qm_pose_t pose_via, qm_pose_t pose_to, int
 // ---- streamed targets ----
 
 int qm_movej_canfd(qm_robot_handle* handle, qm_movej_canfd_mode_t config) {
-    if (radio_too_large(config.trajectory_mode, config.radio))
+    if (radio_exceeds(config.trajectory_mode, config.radio))
         qm_log_warn("[%s] qm_movej_canfd_mode_t config warn, invaild radio: %d!\n", __func__, config.radio);
     auto target = joint_target(__func__, handle, config.joint);
     if (!target) return -1;
@@ -255,7 +233,7 @@ int qm_movej_canfd(qm_robot_handle* handle, qm_movej_canfd_mode_t config) {
 }
 
 int qm_movep_canfd(qm_robot_handle* handle, qm_movep_canfd_mode_t config) {
-    if (radio_too_large(config.trajectory_mode, config.radio))
+    if (radio_exceeds(config.trajectory_mode, config.radio))
         qm_log_warn("[%s] qm_movep_canfd_mode_t config warn, invaild radio: %d!\n", __func__, config.radio);
     Request req("movep_canfd");
     req.boolean("follow", config.follow);

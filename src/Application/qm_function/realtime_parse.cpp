@@ -6,6 +6,7 @@
 
 #include "log.h"
 #include "mio_json.h"
+#include "qm_plus_info.h"
 #include "qm_realtime.h"
 
 namespace {
@@ -42,13 +43,6 @@ bool read_number(const cJSON* object, const char* key, int& out) {
     return true;
 }
 
-void copy_text(const cJSON* object, const char* key, std::span<char> out) {
-    const char* text = MIO_JSON_GetObjectItemStr(object, key);
-    if (!text) return;
-    std::strncpy(out.data(), text, out.size() - 1);
-    out.back() = '\0';
-}
-
 // "disable" or "offline" in place of an end-effector section.
 bool read_plus_text(const cJSON* item, Record& s) {
     if (std::strcmp(item->valuestring, "disable") == 0) {
@@ -65,48 +59,13 @@ bool read_plus_text(const cJSON* item, Record& s) {
 
 bool read_plus_state(const cJSON* item, Record& s) {
     if (cJSON_IsString(item)) return read_plus_text(item, s);
-    if (!cJSON_IsObject(item)) return true;
-    qm_plus_state_info_t& info = s.plus_state_info;
-    read_number(item, "sys_state", info.sys_state);
-    const std::pair<const char*, std::span<int>> arrays[] = {
-        {"dof_state", info.dof_state},
-        {"dof_err", info.dof_err},
-        {"pos", info.pos},
-        {"speed", info.speed},
-        {"angle", info.angle},
-        {"current", info.current},
-        {"normal_force", info.normal_force},
-        {"tangential_force", info.tangential_force},
-        {"tangential_force_dir", info.tangential_force_dir},
-        {"touch_data", info.touch_data},
-        {"force", info.force},
-    };
-    for (const auto& [key, out] : arrays) copy_array(MIO_JSON_GetObjectItem(item, key), out);
-    copy_array(MIO_JSON_GetObjectItem(item, "tsa"), std::span<uint32_t>(info.tsa));
-    copy_array(MIO_JSON_GetObjectItem(item, "tma"), std::span<uint32_t>(info.tma));
+    plus_state_info_from(item, s.plus_state_info, CounterRule::wrapped);
     return true;
 }
 
 bool read_plus_base(const cJSON* item, Record& s) {
     if (cJSON_IsString(item)) return read_plus_text(item, s);
-    if (!cJSON_IsObject(item)) return true;
-    qm_plus_base_info_t& info = s.plus_base_info;
-    const std::pair<const char*, std::span<char>> texts[] = {
-        {"manu", info.manu}, {"hv", info.hv}, {"sv", info.sv}, {"bv", info.bv}};
-    for (const auto& [key, out] : texts) copy_text(item, key, out);
-    const std::pair<const char*, int*> numbers[] = {
-        {"type", &info.type},         {"id", &info.id},    {"dof", &info.dof},
-        {"check", &info.check},       {"bee", &info.bee},  {"touch_num", &info.touch_num},
-        {"touch_sw", &info.touch_sw}, {"hand", &info.hand}};
-    for (const auto& [key, out] : numbers) read_number(item, key, *out);
-    const std::pair<const char*, bool*> flags[] = {{"force", &info.force}, {"touch", &info.touch}};
-    for (const auto& [key, out] : flags)
-        if (int flag = MIO_JSON_GetObjectItemBool(item, key); flag >= 0) *out = flag == 1;
-    const std::pair<const char*, std::span<int>> arrays[] = {
-        {"pos_up", info.pos_up},       {"pos_low", info.pos_low},    {"angle_up", info.angle_up},
-        {"angle_low", info.angle_low}, {"speed_up", info.speed_up},  {"speed_low", info.speed_low},
-        {"force_up", info.force_up},   {"force_low", info.force_low}};
-    for (const auto& [key, out] : arrays) copy_array(MIO_JSON_GetObjectItem(item, key), out);
+    plus_base_info_from(item, s.plus_base_info);
     return true;
 }
 

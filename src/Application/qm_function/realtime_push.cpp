@@ -165,7 +165,7 @@ extern "C" int qm_get_realtime_push(qm_robot_handle* handle, qm_realtime_push_co
         config->enable = enable;
         config->force_coordinate = force_sensor ? table[5].value.int_value : -1;
     }
-    qm_log_debug("current thread mode %d realtime push config.enable: %d\n", static_cast<int>(g_mode.load()),
+    qm_log_debug("current thread mode %d realtime push config.enable: %d\n", g_mode.load(),
                  enable);
     if (enable && g_mode == QM_TRIPLE_MODE_E && gUdpHandle) {
         int result = qm_udp_add_port(gUdpHandle.get(), port);

@@ -5,7 +5,14 @@
  * joints are used; lengths in m. Geometry, limits, tool frame and installation come from
  * the system data at each call. Every solution branch is mapped to the turn nearest the
  * reference joint within that joint's limits (find_nearest_joint). Not thread-safe: the
- * seven-joint search settings are process-wide, like the system data. */
+ * seven-joint search settings are process-wide, like the system data.
+ *
+ * A table off the model's nominal structure (a calibrated one with other lengths or twists)
+ * is solved in closed form on the nearest nominal table; each branch, and the reference
+ * itself, is then refined on the real table until it reproduces the target within 1e-6 m
+ * and 1e-6 rad, and a branch that does not get there is dropped (IKINE_FAILED when none is
+ * left). The solution reached from the reference takes the place of the branch farthest from
+ * it when it is not among the eight already. */
 
 #include "robot_define.h"
 
@@ -21,6 +28,8 @@ extern "C" {
 
 /* Joints reaching the tool pose target (base frame; form USE_EULER or USE_QUAT picks the
  * orientation read) nearest q_ref within the limits. q_out is written on success only.
+ * Intended: the work frame is not removed, although forward_kinematics applies it; near +-90
+ * degrees pitch pass USE_QUAT, as the Euler angles there lose up to 3e-3 rad.
  * Result IKINE_SUCCESSFUL, IKINE_FAILED, IKINE_LIMITED or IKINE_UNKNOWN_TYPE. No speed check:
  * callers at the control rate use joint_overspeed_judgment on the result. */
 int inverse_kinematics(const float* q_ref, const Pose* target, float* q_out, int form);
@@ -75,10 +84,12 @@ int inverse_kinematics_lux6(const Matrix* flange, const float* q_ref, float* q_o
 /* ---- Seven-joint arms (QM75, TAV72, TAV72II) ----
  * Both families are shoulder-elbow-wrist arms; the redundancy is the arm angle: the
  * rotation of the shoulder-elbow-wrist plane about the shoulder-wrist line, measured from
- * the plane in which joint 3 is zero. The solvers first try the reference's own arm angle
- * (near the shoulder or wrist singularity also the nearby arm angles that keep joint 1 or 5
- * at the reference's value), then search outward in steps of Q_STEP_MIN within +-range (see
- * the search settings) until a branch within the limits exists. */
+ * the plane in which joint 3 is zero. The solvers return the branch nearest the reference
+ * within the limits over the arm angles they try: the reference's own (near the shoulder or
+ * wrist singularity also the nearby ones that keep joint 1 or 5 at the reference's value, or
+ * share the rest between joints 1 and 3, or 5 and 7), and, unless the search settles there
+ * (see the search settings), the same singular arm angles anywhere within +-range and a grid
+ * of Q_STEP_MIN steps outward on both sides. */
 
 /* QM75. */
 int inverse_kinematics_qm_75(const Matrix* flange, const float* q_ref, float* q_out);
@@ -91,11 +102,12 @@ float calculate_arm_angle_from_config_qm75(const float* q);
  * inverse_kinematics; IKINE_UNKNOWN_TYPE unless a seven-joint model is loaded. */
 int inverse_kinematics_qm75_for_arm_angle(const float* q_ref, const Pose* target, float arm_angle, float* q_solve);
 
-/* Search strategy: 0 tries the arm angles alternately on both sides of the reference's,
- * nearest first, and stops at the first with a branch within the limits; 1 evaluates the
- * whole range and keeps the branch nearest the reference over all arm angles (slower,
- * never settles for a far branch close to the reference's arm angle). Other values are
- * ignored. Default 0. */
+/* Search strategy: 0 settles at the reference's arm angle when a branch there within the
+ * limits lies within 0.35 rad (20 degrees) of the reference in every joint; otherwise it goes
+ * on outward only while an arm angle left could still hold a nearer branch (a lower bound from
+ * how far the arm angle turns the shoulder and wrist), so a branch just beyond a limit never
+ * hands the answer to a far one. 1 walks the whole range. Both return the nearest branch within
+ * the limits over the arm angles tried. Other values are ignored. Default 0. */
 void ikine_set_7dof_solver_search_strategy(int strategy);
 int ikine_get_7dof_solver_search_strategy(void);
 /* Half-width (rad) of the arm-angle search around the reference's arm angle, clamped to

@@ -19,7 +19,9 @@ Matrix kin_get_SDH_Ti(int i, const DH* dh, const float* q);
 /* Product of the first dof modified-convention links (the UNIVERSAL model's chain). */
 Matrix kin_universal_kinematics_Tn(const DH* dh, const float* q, int dof);
 
-/* Closed-form flange transforms, base to flange. */
+/* Closed-form flange transforms, base to flange, for tables of the model's nominal structure:
+ * they read only the lengths and offsets the model's table sets and take its twists as the
+ * nominal right angles. */
 Matrix forward_kinematics_qm65(const DH* dh, const float* q);    /* QM65, QML63I */
 Matrix forward_kinematics_qm75(const DH* dh, const float* q);    /* QM75, standard convention */
 Matrix forward_kinematics_qml63_2(const DH* dh, const float* q); /* QML63II, QML63IV */
@@ -28,14 +30,18 @@ Matrix forward_kinematics_lux6(const DH* dh, const float* q);    /* LUX65, LUX62
 Matrix forward_kinematics_tav7(const DH* dh, const float* q);    /* TAV72, TAV72II */
 
 /* Flange transform of robot_type's routine; UNIVERSAL takes the 7-link modified product,
- * unknown types the QM65 routine. */
+ * unknown types the QM65 routine. A table off the model's nominal structure (a calibrated one
+ * with other lengths or twists) takes the general product of its links instead, so every entry
+ * counts. The pose variants below dispatch the same way. */
 Matrix forward_kinematics_model(int robot_type, const DH* dh, const float* q);
 
 /* Tool point in the work frame: W*I*F*t. Intended quirk: UNIVERSAL and unknown types use the QM65 routine here. */
 Pos forward_kinematics_pos(const float* q);
 /* As forward_kinematics_pos, with the calibration errors added to d, a, alpha and theta (general product). */
 Pos forward_kinematics_pos_calibration(const float* q);
-/* Tool pose in the work frame, W*I*F*T. */
+/* Tool pose in the work frame, W*I*F*T. inverse_kinematics takes its target without W, so with a
+ * work frame set the two do not round-trip; near +-90 degrees pitch the Euler angles of the pose
+ * lose up to 3e-3 rad, so round trips there should go through the quaternion. */
 Pose forward_kinematics(const float* q);
 /* Flange transform in the robot's base frame, F (no installation, no frames). */
 Matrix forward_kinematics_e(const float* q);

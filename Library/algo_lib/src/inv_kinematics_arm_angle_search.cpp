@@ -1,0 +1,273 @@
+// The arm-angle search of the seven-joint solver. Every arm angle has up to 8 branches; the
+// search looks for the branch nearest the reference within the limits over the arm angles it
+// visits: the reference's own, those where a singular shoulder or wrist lets the outer joints
+// keep the reference's values, and a grid of Q_STEP_MIN steps within the solution range.
+// Strategy 0 settles at the reference's arm angle when its own branch there is within the
+// limits, and otherwise stops the grid once no arm angle left can hold a nearer branch;
+// strategy 1 always walks the whole range.
+
+#include <cmath>
+#include <initializer_list>
+
+#include "inv_kinematics_arm_angle.h"
+#include "qman_inv_kinematics.h"
+
+namespace algo::ik {
+namespace {
+
+// Arm angle of the reference's shoulder against the target's zero-angle shoulder, so a
+// reference that reaches the target gives back exactly its own arm.
+float reference_arm_angle(const ArmAngleTarget& t, const float* theta_ref) {
+    Mat3 shoulder;
+    zyz_matrix(theta_ref[0], theta_ref[1], theta_ref[2], shoulder);
+    const ElbowBranch& b = t.elbow[theta_ref[3] >= 0.0f ? 0 : 1];
+    return arm_angle_between(shoulder, b.shoulder0, t.axis);
+}
+
+double solution_cost(const SolveInput& in, const IkSolve& solve) {
+    static constexpr float kUnitWeights[ROBOT_DOF] = {1, 1, 1, 1, 1, 1, 1, 1};
+    double cost = 0.0;
+    return select_solution(kUnitWeights, solve, in.dof, in.limits, &cost) >= 0 ? cost : INFINITY;
+}
+
+double squared_distance(const float* q, const float* ref, int dof) {
+    double sum = 0.0;
+    for (int j = 0; j < dof; ++j) {
+        const double dq = static_cast<double>(q[j]) - ref[j];
+        sum += dq * dq;
+    }
+    return sum;
+}
+
+// Largest joint difference (rad) at which a branch counts as the reference's own: the others
+// differ from it by half or whole turns.
+constexpr float kOwnBranch = 0.35f;
+
+// The branch nearest the reference, limits aside, or -1 for an empty set.
+int nearest_branch(const SolveInput& in, const IkSolve& solve) {
+    int nearest = -1;
+    double best = INFINITY;
+    for (int i = 0; i < solve.num; ++i) {
+        const double cost = squared_distance(solve.q_solve[i], in.q_ref, in.dof);
+        if (cost < best) {
+            best = cost;
+            nearest = i;
+        }
+    }
+    return nearest;
+}
+
+// True when some branch within the limits is within kOwnBranch of the reference in every joint:
+// the reference's own branch, or one as near.
+bool own_branch_within_limits(const SolveInput& in, const IkSolve& solve) {
+    for (int i = 0; i < solve.num; ++i) {
+        const float* q = solve.q_solve[i];
+        int j = 0;
+        while (j < in.dof && std::fabs(q[j] - in.q_ref[j]) <= kOwnBranch) ++j;
+        if (j == in.dof && within_limits(q, in.dof, in.limits)) return true;
+    }
+    return false;
+}
+
+// Angle (rad) of the rotation taking a to b.
+double rotation_between(const Mat3 a, const Mat3 b) {
+    double m[3][3];
+    for (int i = 0; i < 3; ++i) {
+        for (int j = 0; j < 3; ++j)
+            m[i][j] = double(a[0][i]) * b[0][j] + double(a[1][i]) * b[1][j] + double(a[2][i]) * b[2][j];
+    }
+    const double sx = m[2][1] - m[1][2], sy = m[0][2] - m[2][0], sz = m[1][0] - m[0][1];
+    return std::atan2(0.5 * std::sqrt(sx * sx + sy * sy + sz * sz),
+                      0.5 * (m[0][0] + m[1][1] + m[2][2] - 1.0));
+}
+
+// A lower bound on the distance from the reference of any branch at a given arm angle.
+// Turning the arm angle by d turns both the shoulder R_S = Rz(t1)*Ry(t2)*Rz(t3) and the wrist
+// Rz(t5)*Ry(t6)*Rz(t7) by d, and a rotation of angle r moves the three joints of a Z-Y-Z triple
+// by at least r in sum, so by r^2/3 in squares. Per elbow sign, with the arm angle centre[e]
+// nearest the reference and the reference's remaining shoulder and wrist rotations from there:
+//   cost >= (q4 - ref4)^2 + max(0, d - shoulder_gap)^2 / 3 + max(0, d - wrist_gap)^2 / 3.
+struct SearchBound {
+    float centre[2];
+    double shoulder_gap[2];
+    double wrist_gap[2];
+    double joint4_cost[2];  // infinite for an elbow sign outside joint 4's limits
+};
+
+// Slack for the single-precision rounding of the arm angles and rotations.
+constexpr double kBoundSlack = 1e-4;
+
+SearchBound search_bound(const SolveInput& in, const ArmAngleTarget& t, const float* theta_ref) {
+    SearchBound bound;
+    Mat3 shoulder_ref, wrist_ref;
+    zyz_matrix(theta_ref[0], theta_ref[1], theta_ref[2], shoulder_ref);
+    zyz_matrix(theta_ref[4], theta_ref[5], theta_ref[6], wrist_ref);
+    for (int e = 0; e < 2; ++e) {
+        const ElbowBranch& b = t.elbow[e];
+        bound.centre[e] = arm_angle_between(shoulder_ref, b.shoulder0, t.axis);
+        Mat3 shoulder, wrist;
+        shoulder_at(b, bound.centre[e], shoulder);
+        wrist_rotation(b, shoulder, t.rotation, wrist);
+        bound.shoulder_gap[e] = rotation_between(shoulder, shoulder_ref) + kBoundSlack;
+        bound.wrist_gap[e] = rotation_between(wrist, wrist_ref) + kBoundSlack;
+        const float q4 = joint_value(in, 3, b.t4);
+        const bool within = q4 >= in.limits.min[3] && q4 <= in.limits.max[3];
+        bound.joint4_cost[e] = within ? (double(q4) - in.q_ref[3]) * (double(q4) - in.q_ref[3]) : INFINITY;
+    }
+    return bound;
+}
+
+// Lowest cost a branch of each elbow sign can have at the arm angles psi0 + s*d, s = +-1,
+// from <= d <= range.
+void lowest_costs_beyond(const SearchBound& bound, float psi0, float from, float range, double lowest[2]) {
+    for (int e = 0; e < 2; ++e) {
+        const double rel = std::fabs(std::remainder(double(bound.centre[e]) - psi0, 2.0 * ALGO_PI));
+        double d = 0.0;  // from the centre to the nearest arm angle left
+        if (rel < from) {
+            d = from - rel;
+        } else if (rel > range) {
+            d = std::fmin(rel - range, 2.0 * ALGO_PI - rel - range);
+        }
+        d = std::fmax(0.0, d - kBoundSlack);
+        const double s = std::fmax(0.0, d - bound.shoulder_gap[e]);
+        const double w = std::fmax(0.0, d - bound.wrist_gap[e]);
+        lowest[e] = bound.joint4_cost[e] + (s * s + w * w) / 3.0;
+    }
+}
+
+// Near the shoulder (t2 = 0) or wrist (t6 = 0) singularity, joints 1 and 3 (5 and 7) turn fast
+// with the arm angle while their sum stays nearly put: the arm angle of a reference that does not
+// quite reach the target can land far from it in joint space, and the band of arm angles where
+// both are within their limits can be narrower than a grid step. So the arm angles at which
+// joint 1 (5) keeps the reference's value are tried, then those at which joints 1 and 3 (5 and 7)
+// share what is left: equally, which is nearest, or as nearly so as both limits allow.
+constexpr float kNearSingularSin = 0.1f;
+constexpr float kInsideLimit = 1e-4f;    // rad kept from a limit by a share forced against it
+constexpr float kSingularWindow = 0.2f;  // rad of arm angle around the reference's, or around a first try
+constexpr int kFirst[2] = {0, 4};        // shoulder, wrist: the joint that is the axis's azimuth
+constexpr int kLast[2] = {2, 6};         // and the joint that turns opposite it
+
+class ArmAngleSearch {
+public:
+    ArmAngleSearch(const SolveInput& in, const ArmAngleTarget& t, IkSolve& out) : in_(in), t_(t), out_(out) {
+        reference_theta(in, theta_ref_);
+        psi0_ = reference_arm_angle(t, theta_ref_);
+    }
+
+    int run(int strategy, float range) {
+        const MiddleSines sines = branches_at(in_, t_, theta_ref_, psi0_, out_);
+        const int own = theta_ref_[3] >= 0.0f ? 0 : 1;
+        const bool near[2] = {sines.shoulder[own] < kNearSingularSin, sines.wrist[own] < kNearSingularSin};
+        if (near[0] || near[1]) {
+            best_ = solution_cost(in_, out_);
+            for (int k = 0; k < 2; ++k) {
+                if (near[k]) try_singular(k, psi0_, kSingularWindow);
+            }
+        }
+        const bool bounded = strategy == 0;
+        if (bounded && own_branch_within_limits(in_, out_)) return out_.num;
+        if (!near[0] && !near[1]) best_ = solution_cost(in_, out_);
+        // Leaving the reference's arm angle: first wherever in the range the shoulder or wrist
+        // can keep the reference's outer joints, then the grid.
+        for (int k = 0; k < 2; ++k) try_singular(k, psi0_, range);
+        SearchBound bound{};
+        if (bounded) bound = search_bound(in_, t_, theta_ref_);
+        const int steps = static_cast<int>(range / Q_STEP_MIN + 1e-3f);
+        for (int k = 1; k <= steps; ++k) {
+            const float offset = static_cast<float>(k) * Q_STEP_MIN;
+            int elbows = kBothElbows;
+            if (bounded) {
+                double lowest[2];
+                lowest_costs_beyond(bound, psi0_, offset, range, lowest);
+                elbows = (lowest[0] < best_ ? 1 : 0) | (lowest[1] < best_ ? 2 : 0);
+                if (elbows == 0) break;
+            }
+            for (const float side : {1.0f, -1.0f}) evaluate(psi0_ + side * offset, elbows);
+        }
+        return out_.num;
+    }
+
+private:
+    // The set at psi becomes the answer when its best branch is strictly nearer. A set looked at
+    // for one elbow sign only is completed first: the answer lists every branch of its arm angle.
+    void evaluate(float psi, int elbows = kBothElbows) {
+        branches_at(in_, t_, theta_ref_, psi, candidate_, elbows);
+        const double cost = solution_cost(in_, candidate_);
+        if (cost < best_) {
+            best_ = cost;
+            if (elbows == kBothElbows) {
+                out_ = candidate_;
+            } else {
+                branches_at(in_, t_, theta_ref_, psi, out_);
+            }
+        }
+    }
+
+    // Arm angles within window of centre where joint kFirst[k] keeps the reference's value, and
+    // near each, unless the answer is already the reference's own branch, the shared ones.
+    void try_singular(int k, float centre, float window) {
+        if (!axes_ready_) {
+            const ElbowBranch& own = t_.elbow[theta_ref_[3] >= 0.0f ? 0 : 1];
+            axes_[0] = upper_arm_axis(own);
+            axes_[1] = wrist_axis(own, t_.rotation);
+            axes_ready_ = true;
+        }
+        const float first = theta_ref_[kFirst[k]];
+        float psi[2];
+        const int n = arm_angles_for_azimuth(axes_[k], first, centre, window, psi);
+        for (int i = 0; i < n; ++i) {
+            evaluate(psi[i]);
+            if (own_branch_within_limits(in_, out_)) continue;
+            const int nearest = nearest_branch(in_, candidate_);
+            if (nearest < 0) continue;
+            const int last = kLast[k];
+            const float left = std::remainder(candidate_.q_solve[nearest][last] - in_.q_ref[last], kTwoPi);
+            const float equal = 0.5f * left;
+            try_share(k, equal, psi[i]);
+            const float within = share_within_limits(k, left, equal);
+            if (within != equal) try_share(k, within, psi[i]);
+        }
+    }
+
+    // The arm angles near centre at which joint kFirst[k] has moved by share from the reference.
+    void try_share(int k, float share, float centre) {
+        float psi[2];
+        const int n =
+            arm_angles_for_azimuth(axes_[k], theta_ref_[kFirst[k]] + share, centre, kSingularWindow, psi);
+        for (int i = 0; i < n; ++i) evaluate(psi[i]);
+    }
+
+    // share clamped so that joint kFirst[k] moved by it and joint kLast[k] by left - share both
+    // stay within their limits; share itself when no split does.
+    float share_within_limits(int k, float left, float share) const {
+        const int f = kFirst[k], l = kLast[k];
+        const JointLimits& lim = in_.limits;
+        const float lo =
+            std::fmax(lim.min[f] - in_.q_ref[f], in_.q_ref[l] + left - lim.max[l]) + kInsideLimit;
+        const float hi =
+            std::fmin(lim.max[f] - in_.q_ref[f], in_.q_ref[l] + left - lim.min[l]) - kInsideLimit;
+        return lo <= hi ? std::fmin(hi, std::fmax(lo, share)) : share;
+    }
+
+    const SolveInput& in_;
+    const ArmAngleTarget& t_;
+    IkSolve& out_;
+    float theta_ref_[ROBOT_DOF];
+    float psi0_;
+    AxisBlend axes_[2];  // of the reference's elbow sign, made on first use
+    bool axes_ready_ = false;
+    double best_ = INFINITY;
+    IkSolve candidate_;
+};
+
+}  // namespace
+
+int solve_arm_angle_search(const SolveInput& in, const Matrix& flange, IkSolve& out) {
+    begin_solutions(in, out);
+    const ArmAngleTarget t = arm_angle_target(in.dh, flange, in.reach_tol);
+    if (!t.reachable) return 0;
+    return ArmAngleSearch(in, t, out)
+        .run(ikine_get_7dof_solver_search_strategy(), ikine_get_solution_range_qm75());
+}
+
+}  // namespace algo::ik
