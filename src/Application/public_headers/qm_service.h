@@ -15,8 +15,8 @@
  */
 class QM_Service {
 public:
-    /// @name Library and connection
-    /// @{
+    /** @name Library and connection
+     * @{ */
     /// Forwards to ::qm_init.
     int qm_init(qm_thread_mode_e mode);
     /// Forwards to ::qm_api_version.
@@ -33,37 +33,37 @@ public:
     int qm_get_robot_info(qm_robot_handle* handle, qm_robot_info_t* robot_info);
     /// Forwards to ::qm_set_robot_dof.
     int qm_set_robot_dof(qm_robot_handle* handle, int dof);
-    /// @}
+    /** @} */
 
-    /// @name Logging
-    /// @{
+    /** @name Logging
+     * @{ */
     /// Forwards to ::qm_set_log_call_back.
     void qm_set_log_call_back(LogCallback callback, int level);
     /// Forwards to ::qm_set_log_save.
     void qm_set_log_save(const char* path);
-    /// @}
+    /** @} */
 
-    /// @name Command exchange and events
-    /// @{
+    /** @name Command exchange and events
+     * @{ */
     /// Forwards to ::qm_get_arm_current_trajectory.
     int qm_get_arm_current_trajectory(qm_robot_handle* handle, qm_arm_current_trajectory_e* type,
                                       float* data);
     /// Forwards to ::qm_get_arm_event_call_back.
     void qm_get_arm_event_call_back(qm_event_callback_ptr event_callback);
-    /// @}
+    /** @} */
 
-    /// @name Realtime state push
-    /// @{
+    /** @name Realtime state push
+     * @{ */
     /// Forwards to ::qm_realtime_arm_state_call_back.
     void qm_realtime_arm_state_call_back(qm_realtime_arm_state_callback_ptr realtime_callback);
     /// Forwards to ::qm_set_realtime_push.
     int qm_set_realtime_push(qm_robot_handle* handle, qm_realtime_push_config_t config);
     /// Forwards to ::qm_get_realtime_push.
     int qm_get_realtime_push(qm_robot_handle* handle, qm_realtime_push_config_t* config);
-    /// @}
+    /** @} */
 
-    /// @name Kinematics bridge
-    /// @{
+    /** @name Kinematics bridge
+     * @{ */
     /// Forwards to ::qm_algo_version.
     const char* qm_algo_version();
     /// Forwards to ::qm_algo_init_sys_data.
@@ -168,10 +168,10 @@ public:
     /// Forwards to ::qm_algo_pose_move.
     qm_pose_t qm_algo_pose_move(qm_robot_handle* handle, qm_pose_t poseCurrent, const float* deltaPosAndRot,
                                 int frameMode);
-    /// @}
+    /** @} */
 
-    /// @name Arm state and information
-    /// @{
+    /** @name Arm state and information
+     * @{ */
     /// Forwards to ::qm_get_arm_software_info.
     int qm_get_arm_software_info(qm_robot_handle* handle, qm_arm_software_version_t* software_info);
     /// Forwards to ::qm_get_current_arm_state.
@@ -190,10 +190,10 @@ public:
     int qm_set_init_pose(qm_robot_handle* handle, const float* joint);
     /// Forwards to ::qm_get_init_pose.
     int qm_get_init_pose(qm_robot_handle* handle, float* joint);
-    /// @}
+    /** @} */
 
-    /// @name Motion
-    /// @{
+    /** @name Motion
+     * @{ */
     /// Forwards to ::qm_movej.
     int qm_movej(qm_robot_handle* handle, const float* joint, int v, int r, int trajectory_connect,
                  int block);
@@ -249,10 +249,10 @@ public:
     int qm_movej_follow(qm_robot_handle* handle, float* joint);
     /// Forwards to ::qm_movep_follow.
     int qm_movep_follow(qm_robot_handle* handle, qm_pose_t pose);
-    /// @}
+    /** @} */
 
-    /// @name Jog, teach and stop
-    /// @{
+    /** @name Jog, teach and stop
+     * @{ */
     /// Forwards to ::qm_set_joint_step.
     int qm_set_joint_step(qm_robot_handle* handle, int joint_num, float step, int v, int block);
     /// Forwards to ::qm_set_joint_step_nblock.
@@ -297,10 +297,10 @@ public:
     int qm_set_delete_current_trajectory(qm_robot_handle* handle);
     /// Forwards to ::qm_set_arm_delete_trajectory.
     int qm_set_arm_delete_trajectory(qm_robot_handle* handle);
-    /// @}
+    /** @} */
 
-    /// @name Joint and arm limits
-    /// @{
+    /** @name Joint and arm limits
+     * @{ */
     /// Forwards to ::qm_set_joint_max_speed.
     int qm_set_joint_max_speed(qm_robot_handle* handle, int joint_num, float speed);
     /// Forwards to ::qm_set_joint_max_acc.
@@ -367,10 +367,10 @@ public:
     int qm_get_arm_max_angular_acc(qm_robot_handle* handle, float* acc);
     /// Forwards to ::qm_get_collision_stage.
     int qm_get_collision_stage(qm_robot_handle* handle, int* collision_stage);
-    /// @}
+    /** @} */
 
-    /// @name Tool and work frames
-    /// @{
+    /** @name Tool and work frames
+     * @{ */
     /// Forwards to ::qm_set_auto_tool_frame.
     int qm_set_auto_tool_frame(qm_robot_handle* handle, int point_num);
     /// Forwards to ::qm_generate_auto_tool_frame.
@@ -411,18 +411,18 @@ public:
     /// Forwards to ::qm_get_tool_envelope.
     int qm_get_tool_envelope(qm_robot_handle* handle, const char* tool_name,
                              qm_envelope_balls_list_t* envelope);
-    /// @}
+    /** @} */
 
-    /// @name Install pose and model data
-    /// @{
+    /** @name Install pose and model data
+     * @{ */
     /// Forwards to ::qm_get_install_pose.
     int qm_get_install_pose(qm_robot_handle* handle, float* x, float* y, float* z);
     /// Forwards to ::qm_get_DH_data.
     int qm_get_DH_data(qm_robot_handle* handle, qm_dh_t* dh);
-    /// @}
+    /** @} */
 
-    /// @name Controller, power, network and serial ports
-    /// @{
+    /** @name Controller, power, network and serial ports
+     * @{ */
     /// Forwards to ::qm_get_controller_state.
     int qm_get_controller_state(qm_robot_handle* handle, float* voltage, float* current, float* temperature,
                                 int* err_flag);
@@ -470,10 +470,10 @@ public:
     int qm_set_controller_rs485_mode(qm_robot_handle* handle, int controller_rs485_mode, int baudrate);
     /// Forwards to ::qm_set_tool_rs485_mode.
     int qm_set_tool_rs485_mode(qm_robot_handle* handle, int tool_rs485_mode, int baudrate);
-    /// @}
+    /** @} */
 
-    /// @name Controller and tool IO
-    /// @{
+    /** @name Controller and tool IO
+     * @{ */
     /// Forwards to ::qm_set_IO_mode.
     int qm_set_IO_mode(qm_robot_handle* handle, int io_num, qm_io_config_t config);
     /// Forwards to ::qm_set_DO_state.
@@ -498,10 +498,10 @@ public:
     int qm_set_tool_voltage(qm_robot_handle* handle, int voltage_type);
     /// Forwards to ::qm_get_tool_voltage.
     int qm_get_tool_voltage(qm_robot_handle* handle, int* voltage_type);
-    /// @}
+    /** @} */
 
-    /// @name Modbus RTU and Modbus TCP
-    /// @{
+    /** @name Modbus RTU and Modbus TCP
+     * @{ */
     /// Forwards to ::qm_set_modbus_mode.
     int qm_set_modbus_mode(qm_robot_handle* handle, int port, int baudrate, int timeout);
     /// Forwards to ::qm_close_modbus_mode.
@@ -578,10 +578,10 @@ public:
     int qm_write_modbus_tcp_coils(qm_robot_handle* handle, qm_modbus_tcp_write_params_t param);
     /// Forwards to ::qm_write_modbus_tcp_registers.
     int qm_write_modbus_tcp_registers(qm_robot_handle* handle, qm_modbus_tcp_write_params_t param);
-    /// @}
+    /** @} */
 
-    /// @name Grippers, dexterous hand, lift and expansion axes
-    /// @{
+    /** @name Grippers, dexterous hand, lift and expansion axes
+     * @{ */
     /// Forwards to ::qm_set_gripper_route.
     int qm_set_gripper_route(qm_robot_handle* handle, int min_limit, int max_limit);
     /// Forwards to ::qm_set_gripper_release.
@@ -632,10 +632,10 @@ public:
     int qm_get_qm_plus_base_info(qm_robot_handle* handle, qm_plus_base_info_t* info);
     /// Forwards to ::qm_get_qm_plus_state_info.
     int qm_get_qm_plus_state_info(qm_robot_handle* handle, qm_plus_state_info_t* info);
-    /// @}
+    /** @} */
 
-    /// @name Force sensing, drag teaching and force-position control
-    /// @{
+    /** @name Force sensing, drag teaching and force-position control
+     * @{ */
     /// Forwards to ::qm_get_force_data.
     int qm_get_force_data(qm_robot_handle* handle, qm_force_data_t* data);
     /// Forwards to ::qm_clear_force_data.
@@ -700,10 +700,10 @@ public:
                                     float force, bool follow);
     /// Forwards to ::qm_force_position_move.
     int qm_force_position_move(qm_robot_handle* handle, qm_force_position_move_t param);
-    /// @}
+    /** @} */
 
-    /// @name Projects, programs, trajectory files and global waypoints
-    /// @{
+    /** @name Projects, programs, trajectory files and global waypoints
+     * @{ */
     /// Forwards to ::qm_send_project.
     int qm_send_project(qm_robot_handle* handle, qm_send_project_t project, int* err_line);
     /// Forwards to ::qm_send_project_lock.
@@ -752,10 +752,10 @@ public:
     int qm_delete_trajectory_file(qm_robot_handle* handle, const char* trajectory_name);
     /// Forwards to ::qm_save_trajectory_file.
     int qm_save_trajectory_file(qm_robot_handle* handle, const char* trajectory_name);
-    /// @}
+    /** @} */
 
-    /// @name Safety zones and arm model configuration
-    /// @{
+    /** @name Safety zones and arm model configuration
+     * @{ */
     /// Forwards to ::qm_add_electronic_fence_config.
     int qm_add_electronic_fence_config(qm_robot_handle* handle, qm_fence_config_t config);
     /// Forwards to ::qm_update_electronic_fence_config.
@@ -809,7 +809,7 @@ public:
     int qm_get_arm_run_mode(qm_robot_handle* handle, int* mode);
     /// Forwards to ::qm_set_arm_emergency_stop.
     int qm_set_arm_emergency_stop(qm_robot_handle* handle, bool state);
-    /// @}
+    /** @} */
 };
 
 #endif /* QM_SERVICE_H */
