@@ -62,7 +62,8 @@ int qm_set_robot_dof(qm_robot_handle* handle, int dof);
 /** @name Logging
  * @{ */
 
-/** Installs a log sink (NULL restores the default sink on standard error) with its level. */
+/** Installs a log sink (NULL restores the default sink on standard error) receiving the messages
+ * of level (a LogLevel: 0 debug to 3 error) and above. */
 void qm_set_log_call_back(LogCallback callback, int level);
 /** Appends every message, time-stamped, to the file at path; ends the process if it cannot be opened. */
 void qm_set_log_save(const char* path);
@@ -360,7 +361,8 @@ int qm_set_arm_delete_trajectory(qm_robot_handle* handle);
 
 /** Software speed limit of one joint, degrees per second; then re-reads all (the result is the read's). */
 int qm_set_joint_max_speed(qm_robot_handle* handle, int joint_num, float speed);
-/** Software acceleration limit of one joint; then re-reads all (the result is the read's). */
+/** Software acceleration limit of one joint, degrees per second squared; then re-reads all (the
+ * result is the read's). */
 int qm_set_joint_max_acc(qm_robot_handle* handle, int joint_num, float acc);
 /** Software lower position limit of one joint, degrees; then re-reads all (the result is the read's). */
 int qm_set_joint_min_pos(qm_robot_handle* handle, int joint_num, float pos);
@@ -368,7 +370,8 @@ int qm_set_joint_min_pos(qm_robot_handle* handle, int joint_num, float pos);
 int qm_set_joint_max_pos(qm_robot_handle* handle, int joint_num, float pos);
 /** Drive speed limit of one joint, degrees per second. */
 int qm_set_joint_drive_max_speed(qm_robot_handle* handle, int joint_num, float speed);
-/** Drive acceleration limit of one joint (sent without the division by 6 that the read applies). */
+/** Drive acceleration limit of one joint, degrees per second squared (sent without the division
+ * by 6 that the read applies, so it reads back 6 times larger). */
 int qm_set_joint_drive_max_acc(qm_robot_handle* handle, int joint_num, float acc);
 /** Drive lower position limit of one joint, degrees. */
 int qm_set_joint_drive_min_pos(qm_robot_handle* handle, int joint_num, float pos);
@@ -396,7 +399,8 @@ int qm_set_arm_tcp_init(qm_robot_handle* handle);
 int qm_set_collision_state(qm_robot_handle* handle, int collision_stage);
 /** Software speed limits, dof values in degrees per second; also cached in the connection. */
 int qm_get_joint_max_speed(qm_robot_handle* handle, float* speed);
-/** Software acceleration limits, dof values; also cached in the connection. */
+/** Software acceleration limits, dof values in degrees per second squared; also cached in the
+ * connection. */
 int qm_get_joint_max_acc(qm_robot_handle* handle, float* acc);
 /** Software lower position limits, dof values in degrees; also cached in the connection. */
 int qm_get_joint_min_pos(qm_robot_handle* handle, float* min_pos);
@@ -404,7 +408,7 @@ int qm_get_joint_min_pos(qm_robot_handle* handle, float* min_pos);
 int qm_get_joint_max_pos(qm_robot_handle* handle, float* max_pos);
 /** Drive speed limits, dof values in degrees per second. */
 int qm_get_joint_drive_max_speed(qm_robot_handle* handle, float* speed);
-/** Drive acceleration limits, dof values. */
+/** Drive acceleration limits, dof values in degrees per second squared. */
 int qm_get_joint_drive_max_acc(qm_robot_handle* handle, float* acc);
 /** Drive lower position limits, dof values in degrees. */
 int qm_get_joint_drive_min_pos(qm_robot_handle* handle, float* min_pos);
@@ -575,6 +579,8 @@ int qm_get_tool_voltage(qm_robot_handle* handle, int* voltage_type);
 /* ---- Modbus RTU and Modbus TCP ---- */
 /** @name Modbus RTU and Modbus TCP
  * The controller is the Modbus master; reads give 1 when the controller says it could not read.
+ * The port commands (qm_set_modbus_mode to qm_read_multiple_input_registers) wait 1000 ms for
+ * their answers whatever qm_set_timeout() says. Register and coil values travel unscaled.
  * @{ */
 
 /** Opens controller port `port` in Modbus RTU mode. */
@@ -667,7 +673,7 @@ int qm_get_gripper_state(qm_robot_handle* handle, qm_gripper_state_t* state);
 int qm_set_hand_posture(qm_robot_handle* handle, int posture_num, bool block, int timeout);
 /** Runs a stored hand sequence. */
 int qm_set_hand_seq(qm_robot_handle* handle, int seq_num, bool block, int timeout);
-/** Sets the six finger angles. */
+/** Sets the six finger angles; the request always carries "block": true, though nothing waits. */
 int qm_set_hand_angle(qm_robot_handle* handle, const int* hand_angle);
 /** Streams six finger angles; blocking, waits at most 20 ms for the answer. */
 int qm_set_hand_follow_angle(qm_robot_handle* handle, const int* hand_angle, bool block);
