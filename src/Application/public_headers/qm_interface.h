@@ -281,7 +281,8 @@ int qm_moves(qm_robot_handle* handle, qm_pose_t pose, int v, int r, int trajecto
 int qm_moves_nblock(qm_robot_handle* handle, qm_pose_t pose, int v, int r, int trajectory_connect);
 /** Spline move through pose, waiting for its arrival. */
 int qm_moves_block(qm_robot_handle* handle, qm_pose_t pose, int v, int r, int trajectory_connect, int block);
-/** Arc move via pose_via to pose_to, loop times; -6 for a trajectory_connect other than 0 or 1. */
+/** Arc move via pose_via to pose_to, loop times; r goes out times 1000, unlike the other moves.
+ * -6 for a trajectory_connect other than 0 or 1. */
 int qm_movec(qm_robot_handle* handle, qm_pose_t pose_via, qm_pose_t pose_to, int v, int r, int loop, int trajectory_connect, int block);
 /** Arc move via pose_via to pose_to, returning once accepted. */
 int qm_movec_nblock(qm_robot_handle* handle, qm_pose_t pose_via, qm_pose_t pose_to, int v, int r, int loop, int trajectory_connect);
