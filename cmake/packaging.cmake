@@ -30,7 +30,7 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/qm_apiConfig.cmake ${CMAKE_CURRENT_BIN
   DESTINATION ${QM_CMAKE_DIR} COMPONENT dev)
 
 # The pkg-config file names the prefix it is installed under, which `cmake --install --prefix`
-# and DESTDIR-free package builds only know at install time.
+# and CPack only settle at install time.
 set(QM_PC_PREFIX @QM_PC_PREFIX@)  # kept for the install-time pass
 configure_file(cmake/qm_api.pc.in ${CMAKE_CURRENT_BINARY_DIR}/qm_api.pc.in @ONLY)
 install(CODE "set(QM_PC_PREFIX \"\${CMAKE_INSTALL_PREFIX}\")
