@@ -36,12 +36,12 @@ chroot "$root" /usr/bin/env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin DEBIAN_FRONTEN
   /bin/bash -euo pipefail -c '
 cd /check
 apt-get update -qq
-apt-get install -y -qq ./libqm-api*.deb > apt.log || { cat apt.log; exit 1; }
+apt-get install -y -qq -o Dpkg::Use-Pty=0 ./libqm-api*.deb > apt.log 2>&1 || { cat apt.log; exit 1; }
 echo "== installed"; dpkg-query -W libqm-api1 libqm-api-dev libcjson1
 echo "== files"; for f in $(dpkg -L libqm-api1 libqm-api-dev); do [ -d "$f" ] || echo "$f"; done
 qm_sim --help > /dev/null && echo "qm_sim starts"
 
-apt-get install -y -qq gcc g++ pkg-config cmake ninja-build > apt.log || { cat apt.log; exit 1; }
+apt-get install -y -qq -o Dpkg::Use-Pty=0 gcc g++ pkg-config cmake ninja-build > apt.log 2>&1 || { cat apt.log; exit 1; }
 echo "== pkg-config: $(pkg-config --cflags --libs qm_api) | static: $(pkg-config --static --libs qm_api)"
 cc -std=c99 -Wall -Wextra -Werror -o pc_shared consumer.c $(pkg-config --cflags --libs qm_api)
 cc -std=c99 -Wall -Wextra -Werror -o pc_static consumer.c $(pkg-config --cflags qm_api) \
