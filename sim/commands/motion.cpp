@@ -85,17 +85,19 @@ void movec(Call& call) {
 
 void place_joints(Call& call) {
     const Joints target = joint_target(call.args, "joint", call.arm.dof());
+    if (std::string why = call.arm.held(); !why.empty()) return call.refuse(why);
     if (int joint = joint_outside(call.arm.motion_limits(), target))
         return call.refuse("joint " + std::to_string(joint) + " target outside its limits");
-    call.arm.place(target, false);
+    call.arm.place(target, "move_through_joint");
 }
 
 void place_pose(Call& call) {
     const Pose target = streamed_pose(call.args);
+    if (std::string why = call.arm.held(); !why.empty()) return call.refuse(why);
     Joints joints{};
     if (call.arm.kinematics().inverse(target, call.arm.joints(), joints) != IKINE_SUCCESSFUL)
         return call.refuse("target out of reach");
-    call.arm.place(joints, true);
+    call.arm.place(joints, "move_through_pose");
 }
 
 const Command kCommands[] = {

@@ -53,7 +53,7 @@ std::vector<int> shown_pose(const Pose& target) {
 }
 
 void queue_move(Call& call, Plan plan, int connect, std::vector<int> shown) {
-    if (std::string why = call.arm.move(std::move(plan), connect, std::move(shown)); !why.empty())
+    if (std::string why = call.arm.move(std::move(plan), connect, std::move(shown), call.program); !why.empty())
         call.refuse(why);
 }
 

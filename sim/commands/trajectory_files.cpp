@@ -1,0 +1,85 @@
+// Trajectory files stored on the controller: the last drag-teach recording saved under a
+// name, listed, chosen as the trajectory that the drag-teach replay plays, and deleted.
+#include <algorithm>
+#include <ctime>
+
+#include "command.h"
+
+namespace sim {
+
+namespace {
+
+constexpr std::size_t kMaxFileName = 19;
+constexpr std::size_t kMaxFiles = 100;
+
+std::vector<TrajectoryFile>& files(Call& call) {
+    return call.arm.state.trajectory_files;
+}
+
+TrajectoryFile* find(Call& call, const std::string& name) {
+    auto it = std::find_if(files(call).begin(), files(call).end(), [&](const TrajectoryFile& f) { return f.name == name; });
+    return it == files(call).end() ? nullptr : &*it;
+}
+
+TrajectoryFile* named(Call& call) {
+    const std::string name = call.args.text("name");
+    TrajectoryFile* file = find(call, name);
+    if (!file) call.refuse("no trajectory file \"" + name + "\"");
+    return file;
+}
+
+std::string local_time() {
+    const std::time_t now = std::time(nullptr);
+    std::tm parts{};
+    localtime_r(&now, &parts);
+    char text[20];
+    std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &parts);
+    return text;
+}
+
+// A name saved again replaces the file.
+void save_trajectory_file(Call& call) {
+    const std::string name = call.args.text("name", kMaxFileName);
+    if (name.empty()) throw BadRequest("empty file name");
+    const std::vector<Joints>& recorded = call.arm.state.drag.recorded;
+    if (recorded.empty()) return call.refuse("nothing recorded");
+    TrajectoryFile file{name, local_time(), recorded};
+    if (TrajectoryFile* old = find(call, name)) {
+        *old = std::move(file);
+    } else {
+        if (files(call).size() >= kMaxFiles) return call.refuse("no room for more files");
+        files(call).push_back(std::move(file));
+    }
+}
+
+void set_run_trajectory_file(Call& call) {
+    if (const TrajectoryFile* file = named(call)) call.arm.state.drag.replay = file->points;
+}
+
+void delete_trajectory_file(Call& call) {
+    if (const TrajectoryFile* file = named(call)) files(call).erase(files(call).begin() + (file - files(call).data()));
+}
+
+void get_trajectory_file_list(Call& call) {
+    const std::vector<TrajectoryFile>& all = files(call);
+    reply_page(
+        call, all.size(), [&](std::size_t i) { return all[i].name; },
+        [&](std::size_t i) {
+            JsonPtr entry = object_of({{"point_num", static_cast<int>(all[i].points.size())}});
+            cJSON_AddStringToObject(entry.get(), "name", all[i].name.c_str());
+            cJSON_AddStringToObject(entry.get(), "create_time", all[i].created.c_str());
+            return entry;
+        });
+}
+
+const Command kCommands[] = {
+    {"save_trajectory_file", "save_trajectory_file", "save_state", save_trajectory_file},
+    {"set_run_trajectory_file", "set_run_trajectory_file", "run_state", set_run_trajectory_file},
+    {"delete_trajectory_file", "delete_trajectory_file", "delete_state", delete_trajectory_file},
+    {"get_trajectory_file_list", "get_trajectory_file_list", nullptr, get_trajectory_file_list},
+};
+const CommandFamily kFamily(kCommands);
+
+}  // namespace
+
+}  // namespace sim
