@@ -130,6 +130,7 @@ struct GripperState {
     Travel opening{{1000}};
     int force = 0;  // the force it holds, 0 when it does not grip
     int mode = 0;   // the last motion: 1 release, 2 pick, 3 pick and hold on, 4 position
+    int speed = 500;
 };
 
 constexpr int kFingers = 6;

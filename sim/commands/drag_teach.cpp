@@ -16,18 +16,18 @@ constexpr std::size_t kMaxPoints = 10000;
 constexpr double kAtOrigin = 0.1;  // degrees: the arm stands at a replay's first point
 constexpr int kOriginSpeed = 20;   // percent
 
-// The hand's placements sampled every period from the start to now: a point is where the arm
-// was placed last at that time. At least the start and the end.
+// The hand's placements sampled every period from the start, and where the arm stands at the
+// end: a point is where the arm was placed last at that time.
 std::vector<Joints> sampled(const DragState& drag, SimTime end) {
-    const double span = (end - drag.started) / kSamplePeriod;
-    const std::size_t count = std::clamp<std::size_t>(static_cast<std::size_t>(span) + 1, 2, kMaxPoints);
+    const std::size_t count = std::min(static_cast<std::size_t>((end - drag.started) / kSamplePeriod) + 1, kMaxPoints - 1);
     std::vector<Joints> points;
     std::size_t placed = 0;
     for (std::size_t i = 0; i < count; ++i) {
-        const SimTime t = std::min(end, drag.started + kSamplePeriod * static_cast<double>(i));
+        const SimTime t = drag.started + kSamplePeriod * static_cast<double>(i);
         while (placed + 1 < drag.placed.size() && drag.placed[placed + 1].first <= t) ++placed;
         points.push_back(drag.placed[placed].second);
     }
+    points.push_back(drag.placed.back().second);
     return points;
 }
 

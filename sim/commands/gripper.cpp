@@ -10,7 +10,9 @@ namespace {
 
 constexpr int kGripperDevice = 1;
 
+// The position command carries no speed: it moves at the speed of the motion before.
 int speed(const Call& call) {
+    if (!call.args.has("speed")) return call.arm.state.gripper.speed;
     const int speed = call.args.integer("speed");
     if (speed < 1 || speed > 1000) throw BadRequest("\"speed\" outside 1..1000");
     return speed;
@@ -20,6 +22,7 @@ void move(Call& call, int opening, int force, int mode) {
     const int rate = speed(call);
     const bool block = call.args.boolean("block");
     GripperState& gripper = call.arm.state.gripper;
+    gripper.speed = rate;
     if (opening < gripper.min || opening > gripper.max) return call.refuse("the position lies outside the route");
     gripper.force = force;
     gripper.mode = mode;
