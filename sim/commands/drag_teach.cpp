@@ -11,10 +11,8 @@ namespace sim {
 
 namespace {
 
-constexpr Seconds kSamplePeriod{0.02};
 constexpr std::size_t kMaxPoints = 10000;
 constexpr double kAtOrigin = 0.1;  // degrees: the arm stands at a replay's first point
-constexpr int kOriginSpeed = 20;   // percent
 
 // The hand's placements sampled every period from the start, and where the arm stands at the
 // end: a point is where the arm was placed last at that time.
@@ -111,9 +109,7 @@ void run_drag_trajectory(Call& call) {
     if (!at_origin(call.arm, replay.front())) return call.refuse("the arm is not at the replay's first point");
     Arm& arm = call.arm;
     const int connection = call.connection;
-    Segment replaying{.kind = MoveKind::replay,
-                      .path = Path(replay),
-                      .profile = Profile::lasting(kSamplePeriod * static_cast<double>(replay.size() - 1))};
+    Segment replaying = replay_of(replay);
     replaying.on_end = [&arm, connection](bool arrived) {
         arm.host().send_to(connection, Reply("run_drag_trajectory").set("run_state", arrived).text());
     };

@@ -52,6 +52,12 @@ std::vector<int> shown_pose(const Pose& target) {
     return {w.begin(), w.end()};
 }
 
+Segment replay_of(const std::vector<Joints>& points) {
+    return Segment{.kind = MoveKind::replay,
+                   .path = Path(points),
+                   .profile = Profile::lasting(kSamplePeriod * static_cast<double>(points.size() - 1))};
+}
+
 void queue_move(Call& call, Plan plan, int connect, std::vector<int> shown) {
     if (std::string why = call.arm.move(std::move(plan), connect, std::move(shown), call.program); !why.empty())
         call.refuse(why);

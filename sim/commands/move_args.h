@@ -30,6 +30,11 @@ Start planning_start(const Arm& arm);
 std::vector<int> shown_joints(const Joints& target, int dof);
 std::vector<int> shown_pose(const Pose& target);
 
+// A replay of recorded joint points, one every kSamplePeriod, reported as "re_trajectory".
+constexpr Seconds kSamplePeriod{0.02};
+constexpr int kOriginSpeed = 20;  // percent: how fast an arm goes to a replay's first point
+Segment replay_of(const std::vector<Joints>& points);
+
 // Queues the plan, or refuses with the reason it cannot run.
 void queue_move(Call& call, Plan plan, int connect, std::vector<int> shown);
 // Starts the jog, or refuses with the reason it cannot run.

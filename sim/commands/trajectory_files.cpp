@@ -1,9 +1,10 @@
 // Trajectory files stored on the controller: the last drag-teach recording saved under a
-// name, listed, chosen as the trajectory that the drag-teach replay plays, and deleted.
+// name, listed, replayed and deleted.
 #include <algorithm>
 #include <ctime>
 
 #include "command.h"
+#include "move_args.h"
 
 namespace sim {
 
@@ -52,8 +53,19 @@ void save_trajectory_file(Call& call) {
     }
 }
 
+// The arm goes to the file's first point, then replays it; nothing waits for either's end, so
+// neither reports it. The file is also what the drag-teach replay plays from now on.
 void set_run_trajectory_file(Call& call) {
-    if (const TrajectoryFile* file = named(call)) call.arm.state.drag.replay = file->points;
+    const TrajectoryFile* file = named(call);
+    if (!file) return;
+    if (!call.arm.trajectory().idle()) return call.refuse("the arm is moving");
+    Plan there = plan_joint_move(call.arm.motion_limits(), call.arm.joints(), file->points.front(), kOriginSpeed,
+                                 MoveKind::joint);
+    if (!there.segment) return call.refuse(there.refusal);
+    there.segment->reports = false;
+    if (std::string why = call.arm.run(std::move(*there.segment)); !why.empty()) return call.refuse(why);
+    call.arm.run(replay_of(file->points));
+    call.arm.state.drag.replay = file->points;
 }
 
 void delete_trajectory_file(Call& call) {
