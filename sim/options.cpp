@@ -113,8 +113,8 @@ const Flag kFlags[] = {
     {nullptr, 0, "upstream", "IP:PORT", [](Options& o, const char* v) { o.upstream = v; },
      "the real controller that --record proxies"},
     {nullptr, 0, "replay", "FILE", [](Options& o, const char* v) { o.replay_path = v; },
-     "answer each client as the session recorded in FILE (--speed-factor\n"
-     "                              scales its pauses)"},
+     "answer each client as the session recorded in FILE; --speed-factor N\n"
+     "                              makes its pauses N times shorter"},
 };
 
 constexpr int kHelpCode = 'h';

@@ -1,5 +1,6 @@
 // A recorded session with a controller: a text file with one entry per line, the time in
-// milliseconds since the recording started, the connection, the direction and the line:
+// milliseconds since the recording started, the connection, the direction and the line
+// (a backslash, CR or LF in it written as \\, \r, \n):
 //
 //     # qm_sim recording: ms, connection, + opened / > to the controller / < from it / - closed
 //     0.000 #1 + 127.0.0.1:40312

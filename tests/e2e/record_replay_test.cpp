@@ -13,7 +13,8 @@
 namespace e2e {
 namespace {
 
-// A session with queries, settings and a blocking move, written down as text.
+// A session with queries, settings and blocking moves (the arc one sent formatted, over
+// several lines), written down as text.
 std::string run_session(int port) {
     std::ostringstream out;
     qm_init(QM_DUAL_MODE_E);
@@ -21,6 +22,11 @@ std::string run_session(int port) {
     out << "id " << (arm ? arm->id : -1) << '\n';
     float joints[ARM_DOF] = {};
     out << "movej " << qm_movej(arm, kReady, 100, 0, 0, QM_MOVE_MULTI_BLOCK) << '\n';
+    qm_pose_t via = pose_now(arm), to = via;
+    via.position.x += 0.05f;
+    via.position.y += 0.05f;
+    to.position.x += 0.1f;
+    out << "movec " << qm_movec(arm, via, to, 50, 0, 0, 0, QM_MOVE_MULTI_BLOCK) << '\n';
     out << "joints " << qm_get_joint_degree(arm, joints);
     for (int j = 0; j < 6; ++j) out << ' ' << joints[j];
     qm_current_arm_state_t state{};
@@ -66,7 +72,7 @@ TEST(RecordReplay, AReplayedSessionGetsTheRecordedAnswers) {
         sim::ServerThread<sim::Replayer> replayer(options, quiet);
         replayed = run_session(replayer->port());
     }
-    EXPECT_NE(live.find("movej 0\n"), std::string::npos) << live;
+    EXPECT_NE(live.find("movej 0\nmovec 0\n"), std::string::npos) << live;
     EXPECT_EQ(replayed, live);
     std::remove(path);
 }
