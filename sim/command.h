@@ -14,6 +14,7 @@
 #ifndef QM_SIM_COMMAND_H
 #define QM_SIM_COMMAND_H
 
+#include <algorithm>
 #include <functional>
 #include <optional>
 #include <span>
@@ -102,6 +103,10 @@ struct Call {
     }
     // The reply is sent later by whoever took the request on.
     void defer() { deferred = true; }
+    // Refuses for `why` unless it is empty.
+    void judge(std::string why) {
+        if (!why.empty()) refuse(std::move(why));
+    }
 };
 
 struct Command {
@@ -149,11 +154,61 @@ void get_setting(Call& call) {
     call.reply.set(Row->member, Row->field(call.arm.state));
 }
 
+// ---- lists of named entries kept by the controller (fences, waypoints, masters, files) ----
+
+template <class Entry>
+Entry* find_named(std::vector<Entry>& entries, const std::string& name) {
+    auto it = std::find_if(entries.begin(), entries.end(), [&](const Entry& e) { return e.name == name; });
+    return it == entries.end() ? nullptr : &*it;
+}
+
+// Each says why it refused, or nothing.
+template <class Entry>
+std::string add_named(std::vector<Entry>& entries, Entry entry, std::size_t most) {
+    if (find_named(entries, entry.name)) return "\"" + entry.name + "\" exists already";
+    if (entries.size() >= most) return "no room for more than " + std::to_string(most);
+    entries.push_back(std::move(entry));
+    return {};
+}
+
+// The entry named `name` becomes `entry`, which may carry a new name.
+template <class Entry>
+std::string replace_named(std::vector<Entry>& entries, const std::string& name, Entry entry) {
+    Entry* stored = find_named(entries, name);
+    if (!stored) return "nothing named \"" + name + "\"";
+    if (entry.name != name && find_named(entries, entry.name)) return "\"" + entry.name + "\" exists already";
+    *stored = std::move(entry);
+    return {};
+}
+
+template <class Entry>
+std::string erase_named(std::vector<Entry>& entries, const std::string& name) {
+    Entry* stored = find_named(entries, name);
+    if (!stored) return "nothing named \"" + name + "\"";
+    entries.erase(entries.begin() + (stored - entries.data()));
+    return {};
+}
+
 // The reply to a list query: the page the request asks for ("page_num" from 1, "page_size",
 // 0 for everything) of the entries whose name holds "vague_search", as "list", and the page's
 // members with the matching count as "total_size". `name(i)` and `entry(i)` describe entry i.
 void reply_page(Call& call, std::size_t count, const std::function<std::string(std::size_t)>& name,
                 const std::function<JsonPtr(std::size_t)>& entry);
+
+// A page of named entries, each described by `to_json`.
+template <class Entry, class ToJson>
+void reply_page(Call& call, const std::vector<Entry>& entries, ToJson to_json) {
+    reply_page(
+        call, entries.size(), [&](std::size_t i) { return entries[i].name; },
+        [&](std::size_t i) { return to_json(entries[i]); });
+}
+
+// The answer to a query for one named entry: "given_state" false when there is none.
+template <class Entry, class ToJson>
+void reply_given(Call& call, const Entry* entry, ToJson to_json) {
+    call.reply.set("given_state", entry != nullptr);
+    if (entry) call.reply.merge(to_json(*entry));
+}
 
 }  // namespace sim
 

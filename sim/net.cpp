@@ -81,6 +81,26 @@ Listener::Listener(EventLoop& loop, Fd listening, std::string name, const Log& l
     watch();
 }
 
+void warn_unless_loopback(const Log& log, const std::string& bind) {
+    if (bind != "127.0.0.1")
+        log.note("warning: listening on " + bind +
+                 ": the protocol has no authentication, anyone who reaches this address can move the arm");
+}
+
+namespace {
+
+Fd listening_or_throw(const std::string& ip, int port) {
+    Fd fd = listen_on(ip, port);
+    if (!fd) throw socket_error("cannot listen on " + ip + ":" + std::to_string(port));
+    return fd;
+}
+
+}  // namespace
+
+Listener::Listener(EventLoop& loop, const std::string& ip, int port, std::string name, const Log& log,
+                   ClientFn on_client)
+    : Listener(loop, listening_or_throw(ip, port), std::move(name), log, std::move(on_client)) {}
+
 Listener::~Listener() {
     loop_.cancel(retry_);
     loop_.unwatch(fd_.get());

@@ -30,6 +30,9 @@ Fd connect_to(const sockaddr_in& to);
 // The error of a finished non-blocking connect, 0 when it succeeded.
 int connect_error(int fd);
 
+// Warns that whoever reaches `bind` can move the arm, unless it is the loopback address.
+void warn_unless_loopback(const Log& log, const std::string& bind);
+
 // A listening socket served by the loop: each client goes to on_client. When the process is
 // out of descriptors it waits a second before accepting again instead of spinning.
 class Listener {
@@ -37,6 +40,8 @@ public:
     using ClientFn = std::function<void(Fd client, const sockaddr_in& peer)>;
     // `name` says whose socket it is in notes ("arm 2").
     Listener(EventLoop& loop, Fd listening, std::string name, const Log& log, ClientFn on_client);
+    // Listens on ip:port itself; throws std::system_error when it cannot.
+    Listener(EventLoop& loop, const std::string& ip, int port, std::string name, const Log& log, ClientFn on_client);
     ~Listener();
     Listener(const Listener&) = delete;
     Listener& operator=(const Listener&) = delete;

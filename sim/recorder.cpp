@@ -130,13 +130,9 @@ Recorder::Recorder(const Options& options, NoteSink notes)
     int port = 0;
     split_endpoint("upstream", options_.upstream, ip, port);
     upstream_ = ipv4_address(ip, port);
-    Fd listening = listen_on(options_.bind, options_.port);
-    if (!listening) throw socket_error("cannot listen on " + options_.bind + ":" + std::to_string(options_.port));
-    listener_ = std::make_unique<Listener>(loop_, std::move(listening), "recorder", log_,
+    listener_ = std::make_unique<Listener>(loop_, options_.bind, options_.port, "recorder", log_,
                                            [this](Fd client, const sockaddr_in& peer) { accept(std::move(client), peer); });
-    if (options_.bind != "127.0.0.1")
-        log_.note("warning: listening on " + options_.bind +
-                  ": the protocol has no authentication, anyone who reaches this address can move the arm");
+    warn_unless_loopback(log_, options_.bind);
 }
 
 Recorder::~Recorder() {

@@ -38,9 +38,7 @@ Replayer::Replayer(const Options& options, NoteSink notes)
             session.exchanges.back().answers.push_back({line.ms - last_request_ms[line.connection], line.text});
         }
     }
-    Fd listening = listen_on(options_.bind, options_.port);
-    if (!listening) throw socket_error("cannot listen on " + options_.bind + ":" + std::to_string(options_.port));
-    listener_ = std::make_unique<Listener>(loop_, std::move(listening), "replayer", log_,
+    listener_ = std::make_unique<Listener>(loop_, options_.bind, options_.port, "replayer", log_,
                                            [this](Fd client, const sockaddr_in& peer) { accept(std::move(client), peer); });
 }
 

@@ -60,9 +60,7 @@ Simulator::Simulator(const Options& options, NoteSink notes)
             [this, i](Fd client, const sockaddr_in& peer) { accept(i, std::move(client), peer); }));
         push_changed(i);
     }
-    if (options_.bind != "127.0.0.1")
-        log_.note("warning: listening on " + options_.bind +
-                  ": the protocol has no authentication, anyone who reaches this address can move the arms");
+    warn_unless_loopback(log_, options_.bind);
 }
 
 Simulator::~Simulator() {

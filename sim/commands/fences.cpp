@@ -78,11 +78,6 @@ std::vector<Zone>& fences(Call& call) {
     return call.arm.state.safety.fences;
 }
 
-Zone* find(Call& call, const std::string& name) {
-    auto it = std::find_if(fences(call).begin(), fences(call).end(), [&](const Zone& z) { return z.name == name; });
-    return it == fences(call).end() ? nullptr : &*it;
-}
-
 constexpr unsigned kEveryForm = 1u << kCube | 1u << kPlane | 1u << kSphere;
 
 // A named zone of a request, or the refusal.
@@ -98,26 +93,18 @@ std::optional<Zone> named_zone(Call& call) {
 }
 
 void add_fence(Call& call) {
-    std::optional<Zone> zone = named_zone(call);
-    if (!zone) return;
-    if (find(call, zone->name)) return call.refuse("a fence \"" + zone->name + "\" exists already");
-    if (fences(call).size() >= kMaxFences) return call.refuse("no room for more fences");
-    fences(call).push_back(std::move(*zone));
+    if (std::optional<Zone> zone = named_zone(call)) call.judge(add_named(fences(call), std::move(*zone), kMaxFences));
 }
 
 void update_fence(Call& call) {
-    std::optional<Zone> zone = named_zone(call);
-    if (!zone) return;
-    Zone* stored = find(call, zone->name);
-    if (!stored) return call.refuse("no fence \"" + zone->name + "\"");
-    *stored = std::move(*zone);
+    if (std::optional<Zone> zone = named_zone(call)) {
+        const std::string name = zone->name;
+        call.judge(replace_named(fences(call), name, std::move(*zone)));
+    }
 }
 
 void delete_fence(Call& call) {
-    const std::string name = call.args.text("form_name");
-    Zone* stored = find(call, name);
-    if (!stored) return call.refuse("no fence \"" + name + "\"");
-    fences(call).erase(fences(call).begin() + (stored - fences(call).data()));
+    call.judge(erase_named(fences(call), call.args.text("form_name")));
 }
 
 void list_names(Call& call) {
@@ -132,15 +119,8 @@ void list_infos(Call& call) {
     call.reply.add("info_list", std::move(infos));
 }
 
-// A zone that does not exist is answered with "given_state" false.
-void put_given(Call& call, const Zone* zone) {
-    call.reply.set("given_state", zone != nullptr);
-    if (zone) call.reply.merge(zone_json(*zone));
-}
-
 void given_fence(Call& call) {
-    const std::string name = call.args.text("form_name");
-    put_given(call, find(call, name));
+    reply_given(call, find_named(fences(call), call.args.text("form_name")), zone_json);
 }
 
 // ---- the active fence and the virtual wall ----
@@ -163,7 +143,7 @@ void set_zone(Call& call) {
 template <const ActiveZone* Row>
 void get_zone(Call& call) {
     const Zone& zone = call.arm.state.safety.*(Row->zone);
-    put_given(call, zone.form ? &zone : nullptr);
+    reply_given(call, zone.form ? &zone : nullptr, zone_json);
 }
 
 template <const ActiveZone* Row>

@@ -65,22 +65,15 @@ void stop_move(Call& call) {
 void force_position_move(Call& call) {
     ForceState& force = call.arm.state.force;
     if (!force.streaming) return call.refuse("not between Start_ and Stop_Force_Position_Move");
-    Joints target{};
-    if (call.args.has("joint")) {
-        target = joint_target(call.args, "joint", call.arm.dof());
-        if (int joint = joint_outside(call.arm.motion_limits(), target))
-            return call.refuse("joint " + std::to_string(joint) + " target outside its limits");
-    } else if (call.arm.kinematics().inverse(streamed_pose(call.args), call.arm.joints(), target) != IKINE_SUCCESSFUL) {
-        return call.refuse("target out of reach");
-    }
+    const std::optional<Joints> target = streamed_target(call);
+    if (!target) return;
     if (call.args.has("desired_force")) {
         const std::vector<int> desired = call.args.ints("desired_force", kAxes);
         std::copy(desired.begin(), desired.end(), force.desired_force.begin());
     } else {
         hold(force, direction(call, "dir"), call.args.integer("force"));
     }
-    if (std::string why = call.arm.held(); !why.empty()) return call.refuse(why);
-    call.arm.place(target, "move_through_force_pose");
+    call.arm.place(*target, "move_through_force_pose");
 }
 
 const Command kCommands[] = {

@@ -18,6 +18,7 @@ constexpr int kMaxValues = 120;
 constexpr int kMaxPackedCoils = 8 * kMaxValues;
 constexpr int kAddresses = 65536;
 constexpr std::size_t kMaxMasterName = 19;
+constexpr std::size_t kMaxMasters = 100;
 
 enum class Table { coils, inputs, holding, input_registers };
 enum class Shape { one, many, packed };  // one value, one value per address, 8 coils per value
@@ -52,14 +53,13 @@ std::string slave_key(Call& call, Bus bus) {
         } else {
             const std::string name = call.args.text("master_name");
             call.reply.set("master_name", name);
-            const auto& masters = call.arm.state.modbus.masters;
-            auto it = std::find_if(masters.begin(), masters.end(), [&](const ModbusMaster& m) { return m.name == name; });
-            if (it == masters.end()) {
+            const ModbusMaster* master = find_named(call.arm.state.modbus.masters, name);
+            if (!master) {
                 call.refuse("no Modbus TCP master \"" + name + "\"");
                 return {};
             }
-            ip = it->ip;
-            port = it->port;
+            ip = master->ip;
+            port = master->port;
         }
         return tcp_key(ip, port) + "/1";
     }
@@ -200,11 +200,6 @@ std::vector<ModbusMaster>& masters(Call& call) {
     return call.arm.state.modbus.masters;
 }
 
-ModbusMaster* find_master(Call& call, const std::string& name) {
-    auto it = std::find_if(masters(call).begin(), masters(call).end(), [&](const ModbusMaster& m) { return m.name == name; });
-    return it == masters(call).end() ? nullptr : &*it;
-}
-
 // A master from the request, with its name under `name_key`; none after a refusal.
 std::optional<ModbusMaster> master_from(Call& call, const char* name_key) {
     ModbusMaster master{call.args.text(name_key, kMaxMasterName), call.args.text("ip", 15), call.args.integer("port")};
@@ -217,29 +212,19 @@ std::optional<ModbusMaster> master_from(Call& call, const char* name_key) {
 }
 
 void add_master(Call& call) {
-    std::optional<ModbusMaster> master = master_from(call, "master_name");
-    if (!master) return;
-    if (find_master(call, master->name)) return call.refuse("a master \"" + master->name + "\" exists already");
-    if (masters(call).size() >= 100) return call.refuse("no room for more masters");
-    masters(call).push_back(std::move(*master));
+    if (std::optional<ModbusMaster> master = master_from(call, "master_name"))
+        call.judge(add_named(masters(call), std::move(*master), kMaxMasters));
 }
 
+// The stored name comes as "master_name", the new one as "new_name".
 void update_master(Call& call) {
     const std::string name = call.args.text("master_name");
-    std::optional<ModbusMaster> master = master_from(call, "new_name");
-    if (!master) return;
-    ModbusMaster* stored = find_master(call, name);
-    if (!stored) return call.refuse("no master \"" + name + "\"");
-    if (master->name != name && find_master(call, master->name))
-        return call.refuse("a master \"" + master->name + "\" exists already");
-    *stored = std::move(*master);
+    if (std::optional<ModbusMaster> master = master_from(call, "new_name"))
+        call.judge(replace_named(masters(call), name, std::move(*master)));
 }
 
 void delete_master(Call& call) {
-    const std::string name = call.args.text("master_name");
-    ModbusMaster* stored = find_master(call, name);
-    if (!stored) return call.refuse("no master \"" + name + "\"");
-    masters(call).erase(masters(call).begin() + (stored - masters(call).data()));
+    call.judge(erase_named(masters(call), call.args.text("master_name")));
 }
 
 JsonPtr master_json(const ModbusMaster& master) {
@@ -251,16 +236,11 @@ JsonPtr master_json(const ModbusMaster& master) {
 }
 
 void given_master(Call& call) {
-    const std::string name = call.args.text("master_name");
-    const ModbusMaster* master = find_master(call, name);
-    call.reply.set("given_state", master != nullptr);
-    if (master) call.reply.merge(master_json(*master));
+    reply_given(call, find_named(masters(call), call.args.text("master_name")), master_json);
 }
 
 void list_masters(Call& call) {
-    const std::vector<ModbusMaster>& all = masters(call);
-    reply_page(
-        call, all.size(), [&](std::size_t i) { return all[i].name; }, [&](std::size_t i) { return master_json(all[i]); });
+    reply_page(call, masters(call), master_json);
 }
 
 constexpr Access kPortCoil{Table::coils, Shape::one, Bus::port, false};

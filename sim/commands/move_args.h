@@ -2,6 +2,7 @@
 #ifndef QM_SIM_MOVE_ARGS_H
 #define QM_SIM_MOVE_ARGS_H
 
+#include <optional>
 #include <vector>
 
 #include "command.h"
@@ -18,6 +19,10 @@ Joints joint_target(const Args& args, const char* key, int dof);
 Pose pose_target(const Args& args, const char* key);
 // "pose_quat" [x, y, z, w, qx, qy, qz] when present, else "pose".
 Pose streamed_pose(const Args& args);
+
+// The joints of a streamed target: "joint", within the limits, or a pose ("pose_quat" or
+// "pose") solved near the present joints. None after a refusal, also when the arm is held.
+std::optional<Joints> streamed_target(Call& call);
 
 // Where the next move starts: at the end of the queued ones.
 struct Start {

@@ -1,6 +1,5 @@
 // Trajectory files stored on the controller: the last drag-teach recording saved under a
 // name, listed, replayed and deleted.
-#include <algorithm>
 #include <ctime>
 
 #include "command.h"
@@ -17,14 +16,9 @@ std::vector<TrajectoryFile>& files(Call& call) {
     return call.arm.state.trajectory_files;
 }
 
-TrajectoryFile* find(Call& call, const std::string& name) {
-    auto it = std::find_if(files(call).begin(), files(call).end(), [&](const TrajectoryFile& f) { return f.name == name; });
-    return it == files(call).end() ? nullptr : &*it;
-}
-
 TrajectoryFile* named(Call& call) {
     const std::string name = call.args.text("name");
-    TrajectoryFile* file = find(call, name);
+    TrajectoryFile* file = find_named(files(call), name);
     if (!file) call.refuse("no trajectory file \"" + name + "\"");
     return file;
 }
@@ -45,12 +39,10 @@ void save_trajectory_file(Call& call) {
     const std::vector<Joints>& recorded = call.arm.state.drag.recorded;
     if (recorded.empty()) return call.refuse("nothing recorded");
     TrajectoryFile file{name, local_time(), recorded};
-    if (TrajectoryFile* old = find(call, name)) {
-        *old = std::move(file);
-    } else {
-        if (files(call).size() >= kMaxFiles) return call.refuse("no room for more files");
-        files(call).push_back(std::move(file));
-    }
+    if (find_named(files(call), name))
+        call.judge(replace_named(files(call), name, std::move(file)));
+    else
+        call.judge(add_named(files(call), std::move(file), kMaxFiles));
 }
 
 // The arm goes to the file's first point, then replays it; nothing waits for either's end, so
@@ -69,19 +61,16 @@ void set_run_trajectory_file(Call& call) {
 }
 
 void delete_trajectory_file(Call& call) {
-    if (const TrajectoryFile* file = named(call)) files(call).erase(files(call).begin() + (file - files(call).data()));
+    call.judge(erase_named(files(call), call.args.text("name")));
 }
 
 void get_trajectory_file_list(Call& call) {
-    const std::vector<TrajectoryFile>& all = files(call);
-    reply_page(
-        call, all.size(), [&](std::size_t i) { return all[i].name; },
-        [&](std::size_t i) {
-            JsonPtr entry = object_of({{"point_num", static_cast<int>(all[i].points.size())}});
-            cJSON_AddStringToObject(entry.get(), "name", all[i].name.c_str());
-            cJSON_AddStringToObject(entry.get(), "create_time", all[i].created.c_str());
-            return entry;
-        });
+    reply_page(call, files(call), [](const TrajectoryFile& file) {
+        JsonPtr entry = object_of({{"point_num", static_cast<int>(file.points.size())}});
+        cJSON_AddStringToObject(entry.get(), "name", file.name.c_str());
+        cJSON_AddStringToObject(entry.get(), "create_time", file.created.c_str());
+        return entry;
+    });
 }
 
 const Command kCommands[] = {

@@ -1,6 +1,4 @@
 // Global waypoints: named joint and pose targets stored on the controller.
-#include <algorithm>
-
 #include "command.h"
 
 namespace sim {
@@ -13,11 +11,6 @@ constexpr std::size_t kMaxWaypoints = 100;
 
 std::vector<Waypoint>& waypoints(Call& call) {
     return call.arm.state.waypoints;
-}
-
-Waypoint* find(Call& call, const std::string& name) {
-    auto it = std::find_if(waypoints(call).begin(), waypoints(call).end(), [&](const Waypoint& w) { return w.name == name; });
-    return it == waypoints(call).end() ? nullptr : &*it;
 }
 
 Waypoint waypoint_from(const Call& call) {
@@ -34,24 +27,17 @@ Waypoint waypoint_from(const Call& call) {
 }
 
 void add(Call& call) {
-    Waypoint point = waypoint_from(call);
-    if (find(call, point.name)) return call.refuse("a waypoint \"" + point.name + "\" exists already");
-    if (waypoints(call).size() >= kMaxWaypoints) return call.refuse("no room for more waypoints");
-    waypoints(call).push_back(std::move(point));
+    call.judge(add_named(waypoints(call), waypoint_from(call), kMaxWaypoints));
 }
 
 void update(Call& call) {
     Waypoint point = waypoint_from(call);
-    Waypoint* stored = find(call, point.name);
-    if (!stored) return call.refuse("no waypoint \"" + point.name + "\"");
-    *stored = std::move(point);
+    const std::string name = point.name;
+    call.judge(replace_named(waypoints(call), name, std::move(point)));
 }
 
 void remove(Call& call) {
-    const std::string name = call.args.text("point_name");
-    Waypoint* stored = find(call, name);
-    if (!stored) return call.refuse("no waypoint \"" + name + "\"");
-    waypoints(call).erase(waypoints(call).begin() + (stored - waypoints(call).data()));
+    call.judge(erase_named(waypoints(call), call.args.text("point_name")));
 }
 
 JsonPtr waypoint_json(const Waypoint& point) {
@@ -65,18 +51,12 @@ JsonPtr waypoint_json(const Waypoint& point) {
     return object;
 }
 
-// A name the controller does not know is answered with "given_state" false.
 void given(Call& call) {
-    const std::string name = call.args.text("point_name");
-    const Waypoint* point = find(call, name);
-    call.reply.set("given_state", point != nullptr);
-    if (point) call.reply.merge(waypoint_json(*point));
+    reply_given(call, find_named(waypoints(call), call.args.text("point_name")), waypoint_json);
 }
 
 void list(Call& call) {
-    const std::vector<Waypoint>& all = waypoints(call);
-    reply_page(
-        call, all.size(), [&](std::size_t i) { return all[i].name; }, [&](std::size_t i) { return waypoint_json(all[i]); });
+    reply_page(call, waypoints(call), waypoint_json);
 }
 
 const Command kCommands[] = {

@@ -7,12 +7,7 @@
 namespace e2e {
 namespace {
 
-class ControllerIo : public ::testing::Test {
-protected:
-    ControllerIo() : session_(QM_DUAL_MODE_E, fast_options()) {}
-    qm_robot_handle* arm() const { return session_.arm(); }
-    Session session_;
-};
+class ControllerIo : public OneArm {};
 
 TEST_F(ControllerIo, PowerRuntimeAndOdometerFollowTheArm) {
     ASSERT_EQ(qm_set_arm_power(arm(), 0), 0);

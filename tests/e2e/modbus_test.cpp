@@ -7,12 +7,7 @@
 namespace e2e {
 namespace {
 
-class Modbus : public ::testing::Test {
-protected:
-    Modbus() : session_(QM_DUAL_MODE_E, fast_options()) {}
-    qm_robot_handle* arm() const { return session_.arm(); }
-    Session session_;
-};
+class Modbus : public OneArm {};
 
 TEST_F(Modbus, RegistersAndCoilsReadBackOnTheSameSlaveThroughEveryFamily) {
     int data[16] = {};

@@ -8,12 +8,7 @@
 namespace e2e {
 namespace {
 
-class Safety : public ::testing::Test {
-protected:
-    Safety() : session_(QM_DUAL_MODE_E, fast_options()) {}
-    qm_robot_handle* arm() const { return session_.arm(); }
-    Session session_;
-};
+class Safety : public OneArm {};
 
 qm_fence_config_t zone(int form, const char* name) {
     qm_fence_config_t config{};
