@@ -40,6 +40,7 @@ apt-get install -y -qq -o Dpkg::Use-Pty=0 ./libqm-api*.deb > apt.log 2>&1 || { c
 echo "== installed"; dpkg-query -W libqm-api1 libqm-api-dev libcjson1
 echo "== files"; for f in $(dpkg -L libqm-api1 libqm-api-dev); do [ -d "$f" ] || echo "$f"; done
 qm_sim --help > /dev/null && echo "qm_sim starts"
+! ldd /usr/bin/qm_latency | grep "not found" && echo "qm_latency finds its libraries"
 
 apt-get install -y -qq -o Dpkg::Use-Pty=0 gcc g++ pkg-config cmake ninja-build > apt.log 2>&1 || { cat apt.log; exit 1; }
 echo "== pkg-config: $(pkg-config --cflags --libs qm_api) | static: $(pkg-config --static --libs qm_api)"
