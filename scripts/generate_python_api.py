@@ -119,17 +119,11 @@ class Generator:
         return f"*lambda: {value}"
 
     def annotation(self, t):
-        if t.pointers:
+        if t.pointers or t.dims and not self.is_text(t):
             return "list"
-        if self.is_text(t):
-            return "str"
-        if t.base in self.records:
-            single = f'"{camel(t.base)}"'
-        elif t.base in self.enums:
-            single = f'"{camel(t.base)}"'
-        else:
-            single = SCALARS[t.base][1]
-        return "list" if t.dims else single
+        if t.base in self.records or t.base in self.enums:
+            return f'"{camel(t.base)}"'
+        return SCALARS[t.base][1]
 
     # ---- conversions ----
 
