@@ -6,7 +6,8 @@ cd "$(dirname "$0")/.."
 variant=${1:-plain}
 
 packages=(cmake ninja-build g++ clang pkg-config libcjson-dev googletest libgtest-dev libgmock-dev
-          libbenchmark-dev liborocos-kdl-dev libeigen3-dev python3)
+          libbenchmark-dev liborocos-kdl-dev libeigen3-dev python3 python3-pytest
+          python3-setuptools python3-venv)
 bash scripts/install_missing.sh "${packages[@]}"
 
 case "$variant" in

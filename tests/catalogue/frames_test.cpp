@@ -159,6 +159,8 @@ TEST_F(Frames, AMalformedCurrentFrameFailsWithItsMessageAndLeavesTheCacheAlone) 
 // ---- name lists ----
 
 TEST_F(Frames, NameListsStopAtNullKeepFullFieldsTerminatedAndNeedAList) {
+    std::string many_names = R"("f")";
+    for (int i = 1; i < 130; ++i) many_names += R"(,"f")";
     // Tool or work list, the reply, the result, the count and the first two names read.
     const std::tuple<bool, std::string, int, int, std::string> rows[] = {
         {true, R"({"command":"total_tool_frame","tool_names":["Arm_Tip","NULL","ghost"]})", 0, 1, "Arm_Tip,"},
@@ -167,13 +169,14 @@ TEST_F(Frames, NameListsStopAtNullKeepFullFieldsTerminatedAndNeedAList) {
          R"({"command":"total_work_frame","frame_names":["World","table_long_name"],"tool_names":["x"]})", 0,
          2, "World,table_long_"},
         {false, R"({"command":"total_work_frame","frame_names":[]})", 0, 42, ","},
+        {false, R"({"command":"total_work_frame","frame_names":[)" + many_names + "]}", 0, 100, "f,f"},
         {false, R"({"command":"total_work_frame","frame_names":"World"})", -2, 42, ","},
     };
     for (const auto& [tool, reply, result, len, first_names] : rows) {
         SCOPED_TRACE(reply);
         const std::string command = tool ? "get_total_tool_frame" : "get_total_work_frame";
         controller.reply(command, reply);
-        qm_frame_name_t names[4] = {};
+        qm_frame_name_t names[100] = {};
         int count = 42;
         EXPECT_EQ(fresh(ON_ARM((tool ? qm_get_total_tool_frame : qm_get_total_work_frame)(h, names, &count))),
                   result);

@@ -10,25 +10,20 @@ import subprocess
 import sys
 import tempfile
 
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "scripts"))
+import header_reader  # noqa: E402  (shared with the Python binding generator)
+
 # Declared in the facade but never given a body, as the interface has always had them.
 UNDEFINED_METHODS = {
     "qm_get_joint_software_version", "qm_get_tool_software_version", "qm_set_DH_data",
     "qm_set_force_position", "qm_set_plan_speed", "qm_start_multi_drag_teach",
 }
-FACADE_HEADER = "qm_service.h"
+FACADE_HEADER = header_reader.FACADE_HEADER
 
 
 def declared_functions(header_dir):
     """Names of the functions the C headers declare, in order of appearance."""
-    names = []
-    for header in sorted(pathlib.Path(header_dir).glob("*.h")):
-        if header.name == FACADE_HEADER:
-            continue
-        text = re.sub(r"/\*.*?\*/|//[^\n]*", " ", header.read_text(), flags=re.S)
-        text = re.sub(r"^\s*#.*$", "", text, flags=re.M)
-        # A function pointer typedef reads "(*name)(", so only declarations match.
-        names += [n for n in re.findall(r"\b(qm_\w+)\s*\(", text) if n not in names]
-    return names
+    return header_reader.read_headers(header_dir).function_names()
 
 
 def compile_signature_checks(header_dir, cxx, names):

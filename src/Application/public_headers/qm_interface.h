@@ -451,7 +451,8 @@ int qm_update_tool_frame(qm_robot_handle* handle, qm_frame_t frame);
 /** The current tool frame; also cached in the connection. -1 for a malformed reply or a
  * negative centre-of-mass coordinate. */
 int qm_get_current_tool_frame(qm_robot_handle* handle, qm_frame_t* tool_frame);
-/** Names of all tool frames and their count; -2 for a malformed reply. */
+/** Names of all tool frames and their count; frame_names holds up to 100 names (more are dropped).
+ * -2 for a malformed reply. */
 int qm_get_total_tool_frame(qm_robot_handle* handle, qm_frame_name_t* frame_names, int* len);
 /** The named tool frame. A reply that does not parse gives its length (a positive number). */
 int qm_get_given_tool_frame(qm_robot_handle* handle, const char* name, qm_frame_t* frame);
@@ -467,7 +468,8 @@ int qm_delete_work_frame(qm_robot_handle* handle, const char* frame_name);
 int qm_update_work_frame(qm_robot_handle* handle, const char* work_name, qm_pose_t pose);
 /** The current work frame (name and pose); also cached in the connection. -1 for a malformed reply. */
 int qm_get_current_work_frame(qm_robot_handle* handle, qm_frame_t* work_frame);
-/** Names of all work frames and their count; -2 for a malformed reply. */
+/** Names of all work frames and their count; frame_names holds up to 100 names (more are dropped).
+ * -2 for a malformed reply. */
 int qm_get_total_work_frame(qm_robot_handle* handle, qm_frame_name_t* frame_names, int* len);
 /** The pose of the named work frame. A reply that does not parse gives its length (a positive
  * number). */

@@ -131,6 +131,9 @@ int read_current(const char* caller, const CurrentFrame& row, qm_robot_handle* h
 
 // ---- name lists ----
 
+// The caller's array holds this many names (documented with the two list functions); more are dropped.
+constexpr int kMaxFrameNames = 100;
+
 int decode_names(const char* text, qm_frame_name_t* names, int* len) {
     JsonPtr root = json_parse(text);
     if (!root) {
@@ -141,7 +144,7 @@ int decode_names(const char* text, qm_frame_name_t* names, int* len) {
     if (!list) list = MIO_JSON_GetObjectItem(root.get(), "tool_names");
     if (!cJSON_IsArray(list)) return -2;
     int i = 0;
-    for (const cJSON* element = list->child; element; element = element->next, ++i) {
+    for (const cJSON* element = list->child; element && i < kMaxFrameNames; element = element->next, ++i) {
         const char* name = cJSON_IsString(element) ? element->valuestring : "";
         // The controller ends its list with a "NULL" entry; whatever follows is not a frame.
         if (std::strcmp(name, "NULL") == 0) break;
