@@ -1,5 +1,6 @@
 """Fixtures of the Python package's tests: the package from the source tree, the library and the
 simulator from the build tree (QM_LIB, QM_SIM; ctest sets both), a simulator per test."""
+import contextlib
 import os
 import pathlib
 import subprocess
@@ -16,12 +17,12 @@ SIM = os.environ.get("QM_SIM", str(REPO / "build/sim/qm_sim"))
 import qm  # noqa: E402
 
 
-@pytest.fixture
-def simulator(tmp_path):
+@contextlib.contextmanager
+def running_simulator(tmp_path, *options):
     """A fresh simulated QM65-B on a free port, ten times faster than real; yields the port."""
     port_file = tmp_path / "port"
     sim = subprocess.Popen([SIM, "--port", "0", "--push-port", "0", "--port-file", str(port_file),
-                            "--speed-factor", "10"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+                            "--speed-factor", "10", *options], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
     try:
         for _ in range(200):
             if port_file.exists() and port_file.read_text().strip():
@@ -32,6 +33,12 @@ def simulator(tmp_path):
     finally:
         sim.terminate()
         sim.wait(10)
+
+
+@pytest.fixture
+def simulator(tmp_path):
+    with running_simulator(tmp_path) as port:
+        yield port
 
 
 @pytest.fixture

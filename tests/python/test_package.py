@@ -5,7 +5,7 @@ import subprocess
 import sys
 
 import pytest
-from conftest import REPO, package_env
+from conftest import REPO, package_env, running_simulator
 
 import qm
 
@@ -26,10 +26,11 @@ def test_refused_move_raises_with_code_and_the_library_logs_it(arm, caplog):
     assert "[qm_movej] receive_state: false" in [r.getMessage() for r in caplog.records if r.name == "qm"]
 
 
-def test_unanswered_command_raises_timeout(lib, arm):
-    lib.set_timeout(100)
-    with pytest.raises(qm.Timeout) as late:
-        arm.get_io_output()  # the simulator has no IO
+def test_late_reply_raises_timeout(lib, tmp_path):
+    with running_simulator(tmp_path, "--fault-delay", "150") as port, lib.connect("127.0.0.1", port) as arm:
+        lib.set_timeout(50)
+        with pytest.raises(qm.Timeout) as late:
+            arm.get_io_output()
     assert late.value.code == -2 and isinstance(late.value, TimeoutError)
 
 

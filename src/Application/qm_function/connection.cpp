@@ -1,9 +1,10 @@
 // Library start and stop, the table of five connections and its lock.
+#include <pthread.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
-#include <shared_mutex>
 #include <thread>
 
 #include "log.h"
@@ -22,7 +23,24 @@ std::unique_ptr<qm_udp_handle> gUdpHandle;
 
 namespace {
 
-std::shared_mutex rwlock;
+// Readers and writers of the table. A waiting writer holds new readers back: with readers
+// first, threads that keep issuing commands would keep delete and destroy waiting forever.
+class WriterFirstLock {
+public:
+    WriterFirstLock() = default;
+    WriterFirstLock(const WriterFirstLock&) = delete;
+    WriterFirstLock& operator=(const WriterFirstLock&) = delete;
+
+    void lock_shared() { pthread_rwlock_rdlock(&lock_); }
+    void unlock_shared() { pthread_rwlock_unlock(&lock_); }
+    void lock() { pthread_rwlock_wrlock(&lock_); }
+    void unlock() { pthread_rwlock_unlock(&lock_); }
+
+private:
+    pthread_rwlock_t lock_ = PTHREAD_RWLOCK_WRITER_NONRECURSIVE_INITIALIZER_NP;
+};
+
+WriterFirstLock rwlock;
 std::mutex m_hMutex;       // kept for the wrappers; nothing takes it
 std::mutex g_table_mutex;  // guards gHandleList against the receive threads' snapshots
 std::thread thread_id;
