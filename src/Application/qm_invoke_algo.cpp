@@ -53,15 +53,6 @@ void pose_of(const Coord& c, qm_frame_t* frame) {
     frame->pose.quaternion = {q.w, q.x, q.y, q.z};
 }
 
-// The public records and the library's share their member names and layout, so one copy
-// serves both directions.
-template <class To, class From>
-To pose_copy(const From& p) {
-    return {{p.position.x, p.position.y, p.position.z},
-            {p.quaternion.w, p.quaternion.x, p.quaternion.y, p.quaternion.z},
-            {p.euler.rx, p.euler.ry, p.euler.rz}};
-}
-
 template <class To, class From>
 To matrix_copy(const From& m) {
     To out;
@@ -87,8 +78,6 @@ void record_solve_time(double ms) {
 }
 
 }  // namespace
-
-int invoke_dof() { return std::clamp(libalgo_get_rbt_dof(), 0, ROBOT_DOF); }
 
 void invoke_joints_to_rad(const float* deg, float* rad) {
     std::fill(rad, rad + ROBOT_DOF, 0.0f);
@@ -184,8 +173,6 @@ qm_dh_t invoke_get_dh() {
     return dh;
 }
 
-Pose invoke_to_pose(const qm_pose_t& p) { return pose_copy<Pose>(p); }
-qm_pose_t invoke_from_pose(const Pose& p) { return pose_copy<qm_pose_t>(p); }
 Matrix invoke_to_matrix(const qm_matrix_t& m) { return matrix_copy<Matrix>(m); }
 qm_matrix_t invoke_from_matrix(const Matrix& m) { return matrix_copy<qm_matrix_t>(m); }
 

@@ -3,17 +3,8 @@
 
 // Building blocks of the closed-form flange routines.
 
-#include <cmath>
-
+#include "lane_trig.h"
 #include "robot_define.h"
-
-#if defined(__x86_64__) && defined(__GLIBC__)
-#include <immintrin.h>
-#define FK_VECTOR_TRIG 1
-// The C library's four-lane sinf and cosf (libmvec, pulled in through libm).
-extern "C" __m128 _ZGVbN4v_sinf(__m128);
-extern "C" __m128 _ZGVbN4v_cosf(__m128);
-#endif
 
 namespace fk {
 
@@ -26,28 +17,21 @@ struct SinCos {
 class JointTrig {
 public:
     JointTrig(const DH* dh, const float* q, int dof) {
-        alignas(16) float theta[ROBOT_DOF] = {};
-        for (int i = 0; i < dof; ++i) theta[i] = q[i] + dh->offset[i];
-#ifdef FK_VECTOR_TRIG
-        // All joints in two calls per function: the sines and cosines dominate the routines' cost.
-        for (int k = 0; k < ROBOT_DOF; k += 4) {
-            const __m128 t = _mm_load_ps(theta + k);
-            _mm_store_ps(s_ + k, _ZGVbN4v_sinf(t));
-            _mm_store_ps(c_ + k, _ZGVbN4v_cosf(t));
-        }
-#else
-        for (int i = 0; i < ROBOT_DOF; ++i) {
-            s_[i] = std::sin(theta[i]);
-            c_[i] = std::cos(theta[i]);
-        }
-#endif
+        // Built in registers: a vector read of just-stored floats would stall on the stores.
+        float theta[ROBOT_DOF];
+        for (int i = 0; i < ROBOT_DOF; ++i) theta[i] = i < dof ? q[i] + dh->offset[i] : 0.0f;
+        using algo::lanes::F4;
+        const F4 low{theta[0], theta[1], theta[2], theta[3]}, high{theta[4], theta[5], theta[6], theta[7]};
+        // The sines and cosines dominate the routines' cost: all joints in two four-lane passes.
+        algo::lanes::sincos(low, s_[0], c_[0]);
+        algo::lanes::sincos(high, s_[1], c_[1]);
     }
 
-    SinCos operator[](int i) const { return {s_[i], c_[i]}; }
+    SinCos operator[](int i) const { return {s_[i / 4][i % 4], c_[i / 4][i % 4]}; }
 
 private:
-    alignas(16) float s_[ROBOT_DOF];
-    alignas(16) float c_[ROBOT_DOF];
+    algo::lanes::F4 s_[2];
+    algo::lanes::F4 c_[2];
 };
 
 // Sine and cosine of a sum without another call.

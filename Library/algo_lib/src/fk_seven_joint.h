@@ -1,17 +1,17 @@
+#ifndef FK_SEVEN_JOINT_H
+#define FK_SEVEN_JOINT_H
+
 // Closed-form flange of the seven-joint arms. QM75's standard table (twists -pi/2, pi/2
 // alternating) and the TAV arms' modified table (0, -pi/2, pi/2, ...) both reduce to
 // Rz(t1)*Ry(t2)*Rz(t3)*Ry(t4)*Rz(t5)*Ry(t6)*Rz(t7), since Rx(-pi/2)*Rz(t)*Rx(pi/2) = Ry(t), with
 // d1, d3, d5, d7 along the z axes of joints 1, 3, 5 and 7 and all a zero. One expansion serves both.
 #include "fk_terms.h"
-#include "qman_kinematics.h"
 
-namespace {
-
-using fk::SinCos;
+namespace fk {
 
 // Rows of the rotation, built from the flange end: each Rz mixes rows 0 and 1, each Ry rows 0 and 2.
-Matrix shoulder_elbow_wrist_flange(const DH* dh, const float* q) {
-    const fk::JointTrig trig(dh, q, 7);
+inline Matrix shoulder_elbow_wrist_flange(const DH* dh, const float* q) {
+    const JointTrig trig(dh, q, 7);
     const SinCos j1 = trig[0];
     const SinCos j2 = trig[1];
     const SinCos j3 = trig[2];
@@ -62,12 +62,6 @@ Matrix shoulder_elbow_wrist_flange(const DH* dh, const float* q) {
     return m;
 }
 
-}  // namespace
+}  // namespace fk
 
-extern "C" {
-
-Matrix forward_kinematics_qm75(const DH* dh, const float* q) { return shoulder_elbow_wrist_flange(dh, q); }
-
-Matrix forward_kinematics_tav7(const DH* dh, const float* q) { return shoulder_elbow_wrist_flange(dh, q); }
-
-}  // extern "C"
+#endif
