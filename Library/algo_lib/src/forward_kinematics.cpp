@@ -31,6 +31,7 @@ auto with_flange(int robot_type, const DH* dh, const float* q, UniversalChain un
         return finish(fk::elbow_wrist_flange(dh, q, 0.0f));
     }
     if (!nominal) {
+        if (dh == &robot.dh) return finish(algo::table_in_use_chain().flange_matrix(q));
         const algo::TableShape& shape = algo::table_shape(robot_type);
         return finish(algo::chain_flange(*dh, q, shape.dof, shape.standard));
     }

@@ -47,10 +47,15 @@ inline JointRadians invoke_rad_of(const float* deg) {
     return rad;
 }
 
+// The configuration generation of the connection whose stored configuration the library holds
+// (qm_algo_arm_state_set); 0 when none, which every configuring invoke_ call below makes it.
+uint64_t invoke_loaded_generation();
+void invoke_set_loaded_generation(uint64_t generation);
+
 // Public model and sensor to the library's types: 4 gives QML63IV, unknown models QM65.
 RobotType invoke_robot_type(int model);
 SensorType invoke_sensor_type(int type);
-// libalgo_init, then the mapped pair; the library's result.
+// Loads the mapped pair (which clears the record, as libalgo_init would first); the library's result.
 int invoke_init_sys_data(qm_robot_arm_model_e model, qm_force_type_e type);
 
 void invoke_set_install_angle(float x, float y, float z);  // degrees
