@@ -181,10 +181,19 @@ double success_rate(const Workload& w, const std::vector<Joints>& seeds, const S
     return 100.0 * ok / kTargets;
 }
 
+// The public call as an application makes it: degrees in and out, the target as a qm_pose_t.
 SolveFn ours(const Workload& w) {
     return [&w](int target, const Joints& seed, float* q) {
-        return inverse_kinematics(seed.data(), &w.pose[static_cast<std::size_t>(target)], q, USE_QUAT) ==
-               IKINE_SUCCESSFUL;
+        qm_inverse_kinematics_params_t params{};
+        for (int j = 0; j < w.dof; ++j) params.q_in[j] = static_cast<float>(seed[j] * RAD2DEG);
+        const Pose& pose = w.pose[static_cast<std::size_t>(target)];
+        params.q_pose.position = {pose.position.x, pose.position.y, pose.position.z};
+        params.q_pose.quaternion = {pose.quaternion.w, pose.quaternion.x, pose.quaternion.y, pose.quaternion.z};
+        params.q_pose.euler = {pose.euler.rx, pose.euler.ry, pose.euler.rz};
+        float deg[ARM_DOF] = {};
+        if (qm_algo_inverse_kinematics(nullptr, params, deg) != 0) return false;
+        for (int j = 0; j < w.dof; ++j) q[j] = static_cast<float>(deg[j] * DEG2RAD);
+        return true;
     };
 }
 
@@ -201,13 +210,15 @@ SolveFn kdl(const Workload& w, KdlSolvers& s, bool lma) {
 void print_success_rates(RobotType type, const char* name) {
     const Workload& w = workload(type);
     KdlSolvers s(w);
-    std::printf("%-5s success within limits   tracking seed   random seed\n", name);
+    std::printf("%-5s success within limits         tracking seed   random seed\n", name);
     const struct {
         const char* solver;
         SolveFn fn;
-    } rows[] = {{"ours", ours(w)}, {"KDL NR_JL", kdl(w, s, false)}, {"KDL LMA", kdl(w, s, true)}};
+    } rows[] = {{"qm_algo_inverse_kinematics", ours(w)},
+                {"KDL NR_JL", kdl(w, s, false)},
+                {"KDL LMA", kdl(w, s, true)}};
     for (const auto& row : rows) {
-        std::printf("      %-24s %9.1f %%   %9.1f %%\n", row.solver, success_rate(w, w.tracking_seed, row.fn),
+        std::printf("      %-30s %9.1f %%   %9.1f %%\n", row.solver, success_rate(w, w.tracking_seed, row.fn),
                     success_rate(w, w.random_seed, row.fn));
     }
 }
@@ -311,9 +322,8 @@ void BM_OursAtArmAngle(benchmark::State& state) {
     }
 }
 
-// The public bridge on the same work, in degrees, configured offline (null handle).
-void BM_Bridge(benchmark::State& state, RobotType type) {
-    const Workload& w = workload(type);
+// The public calls on the same work, in degrees, configured offline (null handle).
+std::vector<qm_inverse_kinematics_params_t> public_params(const Workload& w) {
     std::vector<qm_inverse_kinematics_params_t> params(kTargets);
     for (int i = 0; i < kTargets; ++i) {
         qm_inverse_kinematics_params_t& p = params[static_cast<std::size_t>(i)];
@@ -325,11 +335,30 @@ void BM_Bridge(benchmark::State& state, RobotType type) {
         p.q_pose.euler = {pose.euler.rx, pose.euler.ry, pose.euler.rz};
         p.flag = 0;
     }
+    return params;
+}
+
+void BM_Bridge(benchmark::State& state, RobotType type) {
+    const Workload& w = workload(type);
+    qm_algo_init_sys_data(type == QM75 ? QM_MODEL_QM_75_E : QM_MODEL_QM_65_E, QM_MODEL_QM_B_E);
+    const std::vector<qm_inverse_kinematics_params_t> params = public_params(w);
     float q[ROBOT_DOF];
     std::size_t i = 0;
     for (auto _ : state) {
         benchmark::DoNotOptimize(qm_algo_inverse_kinematics(nullptr, params[i], q));
         benchmark::ClobberMemory();
+        i = (i + 1) % kTargets;
+    }
+}
+
+void BM_BridgeAllBranches(benchmark::State& state, RobotType type) {
+    const Workload& w = workload(type);
+    qm_algo_init_sys_data(type == QM75 ? QM_MODEL_QM_75_E : QM_MODEL_QM_65_E, QM_MODEL_QM_B_E);
+    const std::vector<qm_inverse_kinematics_params_t> params = public_params(w);
+    std::size_t i = 0;
+    for (auto _ : state) {
+        qm_inverse_kinematics_all_solve_t all = qm_algo_inverse_kinematics_all(nullptr, params[i]);
+        benchmark::DoNotOptimize(all);
         i = (i + 1) % kTargets;
     }
 }
@@ -349,6 +378,7 @@ void BM_Kdl(benchmark::State& state, RobotType type, bool lma) {
 BENCHMARK_CAPTURE(BM_Ours, QM65, QM65, &Workload::tracking_seed);
 BENCHMARK_CAPTURE(BM_OursAllBranches, QM65, QM65);
 BENCHMARK_CAPTURE(BM_Bridge, QM65, QM65);
+BENCHMARK_CAPTURE(BM_BridgeAllBranches, QM65, QM65);
 BENCHMARK_CAPTURE(BM_Kdl, QM65_NR_JL, QM65, false);
 BENCHMARK_CAPTURE(BM_Kdl, QM65_LMA, QM65, true);
 BENCHMARK_CAPTURE(BM_Ours, QM75, QM75, &Workload::tracking_seed);
@@ -356,6 +386,7 @@ BENCHMARK_CAPTURE(BM_Ours, QM75_NoisyReference, QM75, &Workload::noisy_seed);
 BENCHMARK_CAPTURE(BM_Ours, TAV72_NoisyReference, TAV72, &Workload::noisy_seed);
 BENCHMARK(BM_OursAtArmAngle);
 BENCHMARK_CAPTURE(BM_Bridge, QM75, QM75);
+BENCHMARK_CAPTURE(BM_BridgeAllBranches, QM75, QM75);
 BENCHMARK_CAPTURE(BM_Kdl, QM75_NR_JL, QM75, false);
 BENCHMARK_CAPTURE(BM_Kdl, QM75_LMA, QM75, true);
 

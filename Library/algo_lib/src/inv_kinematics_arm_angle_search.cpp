@@ -135,6 +135,74 @@ void lowest_costs_beyond(const SearchBound& bound, float psi0, float from, float
     }
 }
 
+// Which elbow signs can have a branch within the limits at an arm angle, judged from the middle
+// joints alone: cos t2 and cos t6 are sinusoids in the arm angle, so two multiply-adds each tell
+// whether t2 (or its twin -t2) and t6 (or -t6) can lie within their limits, before any angle is
+// worked out. Most arm angles of a target beyond the limits are dismissed this way. A joint with
+// an offset, or limits beyond a half turn, is not judged (its turns could be mapped into them).
+class MiddleJointFilter {
+public:
+    MiddleJointFilter(const SolveInput& in, const ArmAngleTarget& t) {
+        const Mat3& r = t.rotation;
+        for (int e = 0; e < 2; ++e) {
+            const ElbowBranch& b = t.elbow[e];
+            const Mat3* parts[3] = {&b.shoulder_sin, &b.shoulder_cos, &b.shoulder_const};
+            for (int p = 0; p < 3; ++p) {
+                const Mat3& m = *parts[p];
+                shoulder_[e][p] = m[2][2];
+                // Row 2 of Ry(-t4) * R_S^T * R, column 2.
+                const float m02 = m[0][0] * r[0][2] + m[1][0] * r[1][2] + m[2][0] * r[2][2];
+                const float m22 = m[0][2] * r[0][2] + m[1][2] * r[1][2] + m[2][2] * r[2][2];
+                wrist_[e][p] = b.s4 * m02 + b.c4 * m22;
+            }
+        }
+        judged_[0] = bands(in, 1, shoulder_band_);
+        judged_[1] = bands(in, 5, wrist_band_);
+    }
+
+    // The elbow signs of `elbows` that can have a branch within the limits at the arm angle.
+    int possible(int elbows, float sn, float cs) const {
+        for (int e = 0; e < 2; ++e) {
+            if ((elbows & (1 << e)) == 0) continue;
+            const float c2 = shoulder_[e][0] * sn + shoulder_[e][1] * cs + shoulder_[e][2];
+            const float c6 = wrist_[e][0] * sn + wrist_[e][1] * cs + wrist_[e][2];
+            if ((judged_[0] && !within(c2, shoulder_band_)) || (judged_[1] && !within(c6, wrist_band_)))
+                elbows &= ~(1 << e);
+        }
+        return elbows;
+    }
+
+private:
+    // Cosine bands of a middle angle b in [0, pi] for which b, or its twin -b, lies within the
+    // limits, widened by a margin for rounding.
+    struct Band {
+        float lo[2], hi[2];
+    };
+    static constexpr float kMargin = 1e-4f;
+
+    static bool bands(const SolveInput& in, int j, Band& band) {
+        const float lo = in.limits.min[j], hi = in.limits.max[j];
+        if (in.dh.offset[j] != 0.0f || lo < -kPi || hi > kPi) return false;
+        const float plus[2] = {std::fmax(lo, 0.0f), std::fmin(hi, kPi)};     // b itself
+        const float twin[2] = {std::fmax(-hi, 0.0f), std::fmin(-lo, kPi)};  // -b
+        for (int k = 0; k < 2; ++k) {
+            const float* range = k == 0 ? plus : twin;
+            band.lo[k] = range[0] <= range[1] ? std::cos(range[1]) - kMargin : 2.0f;
+            band.hi[k] = range[0] <= range[1] ? std::cos(range[0]) + kMargin : -2.0f;
+        }
+        return true;
+    }
+
+    static bool within(float c, const Band& band) {
+        return (c >= band.lo[0] && c <= band.hi[0]) || (c >= band.lo[1] && c <= band.hi[1]);
+    }
+
+    float shoulder_[2][3];  // cos t2 = [0] sin psi + [1] cos psi + [2], per elbow sign
+    float wrist_[2][3];     // cos t6 likewise
+    Band shoulder_band_, wrist_band_;
+    bool judged_[2];
+};
+
 // Near the shoulder (t2 = 0) or wrist (t6 = 0) singularity, joints 1 and 3 (5 and 7) turn fast
 // with the arm angle while their sum stays nearly put: the arm angle of a reference that does not
 // quite reach the target can land far from it in joint space, and the band of arm angles where
@@ -149,7 +217,8 @@ constexpr int kLast[2] = {2, 6};         // and the joint that turns opposite it
 
 class ArmAngleSearch {
 public:
-    ArmAngleSearch(const SolveInput& in, const ArmAngleTarget& t, IkSolve& out) : in_(in), t_(t), out_(out) {
+    ArmAngleSearch(const SolveInput& in, const ArmAngleTarget& t, IkSolve& out)
+        : in_(in), t_(t), out_(out), middle_(in, t) {
         reference_theta(in, theta_ref_);
         psi0_ = reference_arm_angle(t, theta_ref_);
     }
@@ -191,6 +260,11 @@ private:
     // The set at psi becomes the answer when its best branch is strictly nearer. A set looked at
     // for one elbow sign only is completed first: the answer lists every branch of its arm angle.
     void evaluate(float psi, int elbows = kBothElbows) {
+        elbows = middle_.possible(elbows, std::sin(psi), std::cos(psi));
+        if (elbows == 0) {
+            begin_solutions(in_, candidate_);  // nothing there within the limits
+            return;
+        }
         branches_at(in_, t_, theta_ref_, psi, candidate_, elbows);
         const double cost = solution_cost(in_, candidate_);
         if (cost < best_) {
@@ -252,6 +326,7 @@ private:
     const SolveInput& in_;
     const ArmAngleTarget& t_;
     IkSolve& out_;
+    MiddleJointFilter middle_;
     float theta_ref_[ROBOT_DOF];
     float psi0_;
     AxisBlend axes_[2];  // of the reference's elbow sign, made on first use
