@@ -38,7 +38,6 @@ constexpr TableShape kLUX = shape(6, false, {0, kQ, 0, 0, kQ, -kQ}, {0, 1, 4, 5}
 constexpr TableShape kQM75 = shape(7, true, {-kQ, kQ, -kQ, kQ, -kQ, kQ, 0}, {0, 1, 2, 3, 4, 5, 6}, {1, 3, 5});
 constexpr TableShape kTAV = shape(7, false, {0, -kQ, kQ, -kQ, kQ, -kQ, kQ}, {0, 1, 2, 3, 4, 5, 6}, {1, 3, 5});
 
-bool g_table_in_use_nominal = false;  // the cleared record's all-zero table is not
 DhChain g_table_in_use_chain;
 
 }  // namespace
@@ -73,9 +72,7 @@ DH nominal_table(const TableShape& shape, const DH& dh) {
     return nominal;
 }
 
-bool table_in_use_nominal() {
-    return g_table_in_use_nominal;
-}
+bool g_table_in_use_nominal = false;  // the cleared record's all-zero table is not
 
 const DhChain& table_in_use_chain() { return g_table_in_use_chain; }
 

@@ -47,7 +47,8 @@ DH nominal_table(const TableShape& shape, const DH& dh);
 // for when it has not. The setters that write the table or the model call table_in_use_changed,
 // so forward kinematics on the system data reads a flag and a prepared chain instead of checking
 // the table and working out its twists at every call.
-bool table_in_use_nominal();
+extern bool g_table_in_use_nominal;
+inline bool table_in_use_nominal() { return g_table_in_use_nominal; }
 const DhChain& table_in_use_chain();
 void table_in_use_changed();
 

@@ -8,13 +8,7 @@
 namespace fk {
 
 inline Matrix lux_flange(const DH* dh, const float* q) {
-    const JointTrig trig(dh, q, 6);
-    const SinCos j1 = trig[0];
-    const SinCos j2 = trig[1];
-    const SinCos j3 = trig[2];
-    const SinCos j4 = trig[3];
-    const SinCos j5 = trig[4];
-    const SinCos j6 = trig[5];
+    const auto [j1, j2, j3, j4, j5, j6] = joint_trig<6>(dh, q);
     const SinCos j23 = sum(j2, j3);
     const SinCos j234 = sum(j23, j4);
 

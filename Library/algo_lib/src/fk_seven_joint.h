@@ -11,14 +11,7 @@ namespace fk {
 
 // Rows of the rotation, built from the flange end: each Rz mixes rows 0 and 1, each Ry rows 0 and 2.
 inline Matrix shoulder_elbow_wrist_flange(const DH* dh, const float* q) {
-    const JointTrig trig(dh, q, 7);
-    const SinCos j1 = trig[0];
-    const SinCos j2 = trig[1];
-    const SinCos j3 = trig[2];
-    const SinCos j4 = trig[3];
-    const SinCos j5 = trig[4];
-    const SinCos j6 = trig[5];
-    const SinCos j7 = trig[6];
+    const auto [j1, j2, j3, j4, j5, j6, j7] = joint_trig<7>(dh, q);
 
     // Ry6*Rz7
     const float a00 = j6.c * j7.c, a01 = -j6.c * j7.s, a02 = j6.s;

@@ -3,6 +3,8 @@
 
 // Building blocks of the closed-form flange routines.
 
+#include <array>
+
 #include "lane_trig.h"
 #include "robot_define.h"
 
@@ -13,26 +15,22 @@ struct SinCos {
     float c;
 };
 
-// Sines and cosines of theta_i = q[i] + offset[i] for the model's joints; only those are read.
-class JointTrig {
-public:
-    JointTrig(const DH* dh, const float* q, int dof) {
-        // Built in registers: a vector read of just-stored floats would stall on the stores.
-        float theta[ROBOT_DOF];
-        for (int i = 0; i < ROBOT_DOF; ++i) theta[i] = i < dof ? q[i] + dh->offset[i] : 0.0f;
-        using algo::lanes::F4;
-        const F4 low{theta[0], theta[1], theta[2], theta[3]}, high{theta[4], theta[5], theta[6], theta[7]};
-        // The sines and cosines dominate the routines' cost: all joints in two four-lane passes.
-        algo::lanes::sincos(low, s_[0], c_[0]);
-        algo::lanes::sincos(high, s_[1], c_[1]);
-    }
-
-    SinCos operator[](int i) const { return {s_[i / 4][i % 4], c_[i / 4][i % 4]}; }
-
-private:
-    algo::lanes::F4 s_[2];
-    algo::lanes::F4 c_[2];
-};
+// Sines and cosines of theta_i = q[i] + offset[i] for the model's N joints; only those are read.
+template <int N>
+std::array<SinCos, N> joint_trig(const DH* dh, const float* q) {
+    // Built in registers: a vector read of just-stored floats would stall on the stores.
+    float theta[ROBOT_DOF];
+    for (int i = 0; i < ROBOT_DOF; ++i) theta[i] = i < N ? q[i] + dh->offset[i] : 0.0f;
+    using algo::lanes::F4;
+    const F4 low{theta[0], theta[1], theta[2], theta[3]}, high{theta[4], theta[5], theta[6], theta[7]};
+    // The sines and cosines dominate the routines' cost: all joints in two four-lane passes.
+    F4 s[2], c[2];
+    algo::lanes::sincos(low, s[0], c[0]);
+    algo::lanes::sincos(high, s[1], c[1]);
+    std::array<SinCos, N> out;
+    for (int i = 0; i < N; ++i) out[i] = {s[i / 4][i % 4], c[i / 4][i % 4]};
+    return out;
+}
 
 // Sine and cosine of a sum without another call.
 inline SinCos sum(SinCos a, SinCos b) { return {a.s * b.c + a.c * b.s, a.c * b.c - a.s * b.s}; }

@@ -16,7 +16,9 @@ struct FlangeFrames {
     bool tool_identity;
 };
 
-const FlangeFrames& flange_frames();
+// Read inline: every pose call asks.
+extern FlangeFrames g_flange_frames;
+inline const FlangeFrames& flange_frames() { return g_flange_frames; }
 // The setters of the installation angles, the tool and work frames and the model call this.
 void flange_frames_changed();
 

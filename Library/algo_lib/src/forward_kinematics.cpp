@@ -1,6 +1,4 @@
 // Model dispatch and the pose variants over the system data.
-#include <atomic>
-
 #include "dh_chain.h"
 #include "dh_table_shape.h"
 #include "fk_lux6.h"
@@ -111,42 +109,66 @@ Pose pose_of(const Matrix& f, Around around, bool with_tool) {
     return algo::pose_of(placed(f, p));
 }
 
-// One pose call in one piece: each closed form expanded with the frames and the angles after it,
-// so that its transform goes on to a pose in registers.
-inline Pose flange_pose(const float* q, Around around, bool with_tool) {
-    return with_flange(q, [=](const Matrix& f) { return pose_of(f, around, with_tool); });
+// The closed forms of the pose calls, one per model family.
+using Form = Matrix (*)(const DH*, const float*);
+inline Matrix elbow_wrist(const DH* dh, const float* q) { return fk::elbow_wrist_flange(dh, q, 0.0f); }
+inline Matrix offset_elbow_wrist(const DH* dh, const float* q) { return fk::elbow_wrist_flange(dh, q, dh->a[3]); }
+
+// One pose call in one piece: the closed form expanded with the frames and the angles after it,
+// so that its transform goes on to a pose in registers. Each is built twice: for the baseline
+// instruction set and, for processors that have them, with AVX2 and fused multiply-adds, which
+// shorten its chains of dependent operations. The first call chooses.
+using FormPose = Pose (*)(const float*, Around, bool);
+
+template <Form form>
+[[gnu::flatten]] Pose form_pose_baseline(const float* q, Around around, bool with_tool) {
+    return pose_of(form(&robot.dh, q), around, with_tool);
 }
 
-// The pose calls are built twice: for the baseline instruction set and, for processors that have
-// them, with AVX2 and fused multiply-adds, which shorten their chains of dependent operations.
-// The first call chooses.
-using FlangePose = Pose (*)(const float*, Around, bool);
-
-[[gnu::flatten]] Pose flange_pose_baseline(const float* q, Around around, bool with_tool) {
-    return flange_pose(q, around, with_tool);
-}
+struct FormPoses {
+    FormPose elbow_wrist, offset_elbow_wrist, lux, seven_joint;
+};
+constexpr FormPoses kBaselinePoses{form_pose_baseline<elbow_wrist>, form_pose_baseline<offset_elbow_wrist>,
+                                   form_pose_baseline<fk::lux_flange>,
+                                   form_pose_baseline<fk::shoulder_elbow_wrist_flange>};
 
 #if defined(__x86_64__)
-__attribute__((target("avx2,fma"), flatten)) Pose flange_pose_fma(const float* q, Around around, bool with_tool) {
-    return flange_pose(q, around, with_tool);
+template <Form form>
+__attribute__((target("avx2,fma"), flatten)) Pose form_pose_fma(const float* q, Around around, bool with_tool) {
+    return pose_of(form(&robot.dh, q), around, with_tool);
 }
+constexpr FormPoses kFmaPoses{form_pose_fma<elbow_wrist>, form_pose_fma<offset_elbow_wrist>,
+                              form_pose_fma<fk::lux_flange>, form_pose_fma<fk::shoulder_elbow_wrist_flange>};
 #endif
 
-Pose flange_pose_first(const float* q, Around around, bool with_tool);
-std::atomic<FlangePose> g_flange_pose{flange_pose_first};
-
-Pose flange_pose_first(const float* q, Around around, bool with_tool) {
-    FlangePose chosen = flange_pose_baseline;
+const FormPoses& form_poses() {
+    static const FormPoses* const chosen = [] {
 #if defined(__x86_64__)
-    __builtin_cpu_init();
-    if (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma")) chosen = flange_pose_fma;
+        __builtin_cpu_init();
+        if (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma")) return &kFmaPoses;
 #endif
-    g_flange_pose.store(chosen, std::memory_order_relaxed);
-    return chosen(q, around, with_tool);
+        return &kBaselinePoses;
+    }();
+    return *chosen;
 }
 
 Pose placed_pose(const float* q, Around around, bool with_tool) {
-    return g_flange_pose.load(std::memory_order_relaxed)(q, around, with_tool);
+    const int type = robot.robot_type;
+    if (type == UNIVERSAL || !algo::table_in_use_nominal())
+        return with_flange(q, [=](const Matrix& f) { return pose_of(f, around, with_tool); });
+    const FormPoses& poses = form_poses();
+    switch (type) {
+        case QM75:
+        case TAV72:
+        case TAV72II: return poses.seven_joint(q, around, with_tool);
+        case QML63II:
+        case QML63III:
+        case QML63IV: return poses.offset_elbow_wrist(q, around, with_tool);
+        case LUX65:
+        case LUX62:
+        case LUX63: return poses.lux(q, around, with_tool);
+        default: return poses.elbow_wrist(q, around, with_tool);
+    }
 }
 
 }  // namespace

@@ -34,24 +34,25 @@ inline Euler euler_of(const Matrix& m) {
     return Euler{a[1], a[0], a[2]};
 }
 
-// Branch on the largest diagonal term; no sign normalisation, so w may come out negative.
+// Branch on the largest diagonal term; no sign normalisation, so w may come out negative. One
+// division, its reciprocal shared by the three other components.
 inline Quat quat_of(const Matrix& m) {
     const auto& R = m.data;
     const float trace = R[0][0] + R[1][1] + R[2][2];
     if (trace > 0.0f) {
-        const float S = 2.0f * std::sqrt(trace + 1.0f);
-        return Quat{0.25f * S, (R[2][1] - R[1][2]) / S, (R[0][2] - R[2][0]) / S, (R[1][0] - R[0][1]) / S};
+        const float S = 2.0f * std::sqrt(trace + 1.0f), k = 1.0f / S;
+        return Quat{0.25f * S, (R[2][1] - R[1][2]) * k, (R[0][2] - R[2][0]) * k, (R[1][0] - R[0][1]) * k};
     }
     if (R[0][0] > R[1][1] && R[0][0] > R[2][2]) {
-        const float S = 2.0f * std::sqrt(1.0f + R[0][0] - R[1][1] - R[2][2]);
-        return Quat{(R[2][1] - R[1][2]) / S, 0.25f * S, (R[0][1] + R[1][0]) / S, (R[0][2] + R[2][0]) / S};
+        const float S = 2.0f * std::sqrt(1.0f + R[0][0] - R[1][1] - R[2][2]), k = 1.0f / S;
+        return Quat{(R[2][1] - R[1][2]) * k, 0.25f * S, (R[0][1] + R[1][0]) * k, (R[0][2] + R[2][0]) * k};
     }
     if (R[1][1] > R[2][2]) {
-        const float S = 2.0f * std::sqrt(1.0f + R[1][1] - R[0][0] - R[2][2]);
-        return Quat{(R[0][2] - R[2][0]) / S, (R[0][1] + R[1][0]) / S, 0.25f * S, (R[1][2] + R[2][1]) / S};
+        const float S = 2.0f * std::sqrt(1.0f + R[1][1] - R[0][0] - R[2][2]), k = 1.0f / S;
+        return Quat{(R[0][2] - R[2][0]) * k, (R[0][1] + R[1][0]) * k, 0.25f * S, (R[1][2] + R[2][1]) * k};
     }
-    const float S = 2.0f * std::sqrt(1.0f + R[2][2] - R[0][0] - R[1][1]);
-    return Quat{(R[1][0] - R[0][1]) / S, (R[0][2] + R[2][0]) / S, (R[1][2] + R[2][1]) / S, 0.25f * S};
+    const float S = 2.0f * std::sqrt(1.0f + R[2][2] - R[0][0] - R[1][1]), k = 1.0f / S;
+    return Quat{(R[1][0] - R[0][1]) * k, (R[0][2] + R[2][0]) * k, (R[1][2] + R[2][1]) * k, 0.25f * S};
 }
 
 inline Pose pose_of(const Matrix& t) {

@@ -10,9 +10,6 @@ using algo::robot;
 
 namespace {
 
-// As the record before any model is loaded: all frames zero, none the identity.
-algo::FlangeFrames g_flange_frames{};
-
 bool is_identity(const Matrix& m) {
     for (int i = 0; i < 4; ++i)
         for (int j = 0; j < 4; ++j)
@@ -28,7 +25,8 @@ Matrix coord_to_matrix(const Coord& c) {
 
 namespace algo {
 
-const FlangeFrames& flange_frames() { return g_flange_frames; }
+// As the record before any model is loaded: all frames zero, none the identity.
+FlangeFrames g_flange_frames{};
 
 void flange_frames_changed() {
     FlangeFrames& f = g_flange_frames;
