@@ -7,15 +7,7 @@ variant=${1:-plain}
 
 packages=(cmake ninja-build g++ clang pkg-config libcjson-dev googletest libgtest-dev libgmock-dev
           libbenchmark-dev liborocos-kdl-dev libeigen3-dev python3)
-missing=()
-for p in "${packages[@]}"; do
-  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
-done
-if [ ${#missing[@]} -gt 0 ]; then
-  SUDO=""; [ "$(id -u)" -ne 0 ] && SUDO=sudo
-  $SUDO apt-get update -qq
-  DEBIAN_FRONTEND=noninteractive $SUDO apt-get install -y -qq "${missing[@]}"
-fi
+bash scripts/install_missing.sh "${packages[@]}"
 
 case "$variant" in
   plain) dir=build; flags=(-DCMAKE_BUILD_TYPE=RelWithDebInfo) ;;

@@ -26,6 +26,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -209,6 +210,11 @@ int send_query(const char* caller, qm_robot_handle* handle, const Request& req, 
 
 // A reply parsed whole; null after logging "Error parsing JSON" when it does not parse.
 JsonPtr parse_reply(const char* text);
+
+// Writes `data` straight to the connection's socket under the table lock, in pieces of at most
+// `piece` bytes, each sent up to its first zero byte, with `pause` after each piece. 0, or -1
+// when the connection is gone or a send fails.
+int send_raw(qm_robot_handle* handle, std::string_view data, std::size_t piece, std::chrono::milliseconds pause);
 
 // Key-table entries.
 KeyValue int_member(const char* key);

@@ -577,6 +577,157 @@ typedef struct {
     int radio;
 } qm_force_position_move_t;
 
+/* ---- projects, programs, trajectory files and global waypoints ---- */
+
+#define TRAJECTORY_FILE_NAME_MAX_LENGTH 300 /* path and name buffers */
+
+/* A project file to upload; a non-zero project_type wraps it in a flowchart project's header lines. */
+typedef struct {
+    char project_path[TRAJECTORY_FILE_NAME_MAX_LENGTH];
+    int project_path_len; /* characters of project_path in use */
+    int plan_speed;
+    int only_save;
+    int save_id;
+    int step_flag;
+    int auto_start;
+    int project_type;
+} qm_send_project_t;
+
+/* One program stored on the controller. */
+typedef struct {
+    int id;
+    int size;
+    int speed;
+    char trajectory_name[32];
+} qm_trajectory_data_t;
+
+/* One page of stored programs. */
+typedef struct {
+    int page_num;
+    int page_size;
+    int list_size; /* programs in total */
+    char vague_search[32];
+    qm_trajectory_data_t trajectory_list[100];
+} qm_program_trajectorys_t;
+
+typedef struct {
+    int run_state; /* 1 while running */
+    int id;
+    int edit_id;
+    int plan_num;
+    int total_loop; /* entries of loop_num */
+    int step_mode;
+    int plan_speed;
+    int loop_num[100];
+    int loop_cont[100];
+} qm_program_run_state_t;
+
+typedef struct {
+    int run_state; /* 1 while running */
+    int id;
+    char name[32];
+    int plan_speed;
+    int step_mode;
+    char modal_id[50];
+} qm_flowchart_run_state_t;
+
+/* A named global waypoint: joints in degrees, pose in metres and radians. */
+typedef struct {
+    char point_name[20];
+    float joint[ARM_DOF];
+    qm_pose_t pose;
+    char work_frame[12];
+    char tool_frame[12];
+    char time[50]; /* "YYYY-MM-DD hh:mm:ss", stamped by the library when sent */
+} qm_waypoint_t;
+
+typedef struct {
+    int page_num;
+    int page_size;
+    int total_size;
+    char vague_search[32];
+    int list_len; /* entries of points_list in use */
+    qm_waypoint_t points_list[100];
+} qm_waypoint_list_t;
+
+/* One trajectory file stored on the controller. */
+typedef struct {
+    int point_num;
+    char name[20];
+    char create_time[20];
+} qm_trajectory_info_t;
+
+typedef struct {
+    int page_num;
+    int page_size;
+    int total_size;
+    char vague_search[32];
+    int list_len; /* entries of tra_list in use */
+    qm_trajectory_info_t tra_list[100];
+} qm_trajectory_list_t;
+
+/* ---- safety zones and arm model configuration ---- */
+
+/* Bounds of a cube zone, metres. */
+typedef struct {
+    float x_min_limit;
+    float x_max_limit;
+    float y_min_limit;
+    float y_max_limit;
+    float z_min_limit;
+    float z_max_limit;
+} qm_fence_config_cube_t;
+
+/* Three points of a plane, metres. */
+typedef struct {
+    float x1;
+    float y1;
+    float z1;
+    float x2;
+    float y2;
+    float z2;
+    float x3;
+    float y3;
+    float z3;
+} qm_fence_config_plane_t;
+
+/* Centre and radius of a sphere zone, metres. */
+typedef struct {
+    float x;
+    float y;
+    float z;
+    float radius;
+} qm_fence_config_sphere_t;
+
+/* An electronic fence or virtual wall; form selects the geometry used. */
+typedef struct {
+    int form; /* 1 cube, 2 plane, 3 sphere */
+    char name[12];
+    qm_fence_config_cube_t cube;
+    qm_fence_config_plane_t plan;
+    qm_fence_config_sphere_t sphere;
+} qm_fence_config_t;
+
+typedef struct {
+    bool enable_state;
+    int in_out_side;
+    int effective_region;
+} qm_electronic_fence_enable_t;
+
+typedef struct {
+    char name[12];
+} qm_fence_names_t;
+
+/* Every fence stored on the controller: at most 10. */
+typedef struct {
+    qm_fence_config_t config[10];
+} qm_fence_config_list_t;
+
+/* One firmware version text. */
+typedef struct {
+    char version[10];
+} qm_version_t;
+
 #ifdef __cplusplus
 }
 #endif

@@ -683,6 +683,112 @@ int qm_force_position_move_pose(qm_robot_handle* handle, qm_pose_t pose, int sen
 /* Streams a force-position target with per-axis modes, forces and speed limits; no answer awaited. */
 int qm_force_position_move(qm_robot_handle* handle, qm_force_position_move_t param);
 
+/* ---- projects, programs, trajectory files and global waypoints ---- */
+
+/* Uploads a project file (wrapped in a flowchart project's header lines when project_type is
+ * non-zero, written beside it); err_line gets -1, or the line the controller refused.
+ * -4 the wrapped file's name cannot be formed, -5 the file cannot be read, -6 a generation-4 controller. */
+int qm_send_project(qm_robot_handle* handle, qm_send_project_t project, int* err_line);
+/* Uploads data_len bytes of project text as they are; err_line as for qm_send_project.
+ * 1 for a NULL data with a non-zero length. */
+int qm_send_project_lock(qm_robot_handle* handle, const char* data, int data_len, int* err_line);
+/* Announces an upload of file_size bytes under the project_path's name; the upload's first step. */
+int qm_run_project(qm_robot_handle* handle, qm_send_project_t project, int file_size);
+/* Speed ratio of the running program. */
+int qm_set_plan_speed(qm_robot_handle* handle, int speed);
+/* One page of the stored programs whose names contain vague_search. */
+int qm_get_program_trajectory_list(qm_robot_handle* handle, int page_num, int page_size, const char* vague_search,
+                                   qm_program_trajectorys_t* trajectorys);
+/* State of the running program. */
+int qm_get_program_run_state(qm_robot_handle* handle, qm_program_run_state_t* run_state);
+/* State of the running flowchart program. */
+int qm_get_flowchart_program_run_state(qm_robot_handle* handle, qm_flowchart_run_state_t* run_state);
+/* Deletes a stored program. */
+int qm_delete_program_trajectory(qm_robot_handle* handle, int id);
+/* Renames a stored program and sets its speed. */
+int qm_update_program_trajectory(qm_robot_handle* handle, int id, int speed, const char* name);
+/* Selects the program run by default. */
+int qm_set_default_run_program(qm_robot_handle* handle, int id);
+/* The program run by default. */
+int qm_get_default_run_program(qm_robot_handle* handle, int* id);
+/* Runs a stored program; a non-zero block waits for its end (single-thread mode: block seconds).
+ * -4 no end reported for this program. */
+int qm_set_program_id_run(qm_robot_handle* handle, int id, int speed, int block);
+/* Records the drag-taught trajectory into file_name (one point message per line) and its point
+ * count into num. -4 the file cannot be created, -6 the points did not all come. */
+int qm_save_trajectory(qm_robot_handle* handle, const char* file_name, int* num);
+/* Stores a global waypoint, stamped with the local time. */
+int qm_add_global_waypoint(qm_robot_handle* handle, qm_waypoint_t waypoint);
+/* Replaces a global waypoint, stamped with the local time. */
+int qm_update_global_waypoint(qm_robot_handle* handle, qm_waypoint_t waypoint);
+/* Deletes a global waypoint. */
+int qm_delete_global_waypoint(qm_robot_handle* handle, const char* point_name);
+/* The named global waypoint. */
+int qm_get_given_global_waypoint(qm_robot_handle* handle, const char* name, qm_waypoint_t* point);
+/* One page of the global waypoints whose names contain vague_search. */
+int qm_get_global_waypoints_list(qm_robot_handle* handle, int page_num, int page_size, const char* vague_search,
+                                 qm_waypoint_list_t* point_list);
+/* One page of the stored trajectory files whose names contain vague_search. */
+int qm_get_trajectory_file_list(qm_robot_handle* handle, int page_num, int page_size, const char* vague_search,
+                                qm_trajectory_list_t* trajectory_list);
+/* Replays a stored trajectory file. */
+int qm_set_run_trajectory(qm_robot_handle* handle, const char* trajectory_name);
+/* Deletes a stored trajectory file. */
+int qm_delete_trajectory_file(qm_robot_handle* handle, const char* trajectory_name);
+/* Stores the last drag-taught trajectory under a name. */
+int qm_save_trajectory_file(qm_robot_handle* handle, const char* trajectory_name);
+
+/* ---- safety zones and arm model configuration ---- */
+
+/* Stores a new electronic fence (metres); -4 for a form other than 1, 2 or 3. */
+int qm_add_electronic_fence_config(qm_robot_handle* handle, qm_fence_config_t config);
+/* Replaces a stored electronic fence (metres); -4 for a form other than 1, 2 or 3. */
+int qm_update_electronic_fence_config(qm_robot_handle* handle, qm_fence_config_t config);
+/* Deletes a stored electronic fence. */
+int qm_delete_electronic_fence_config(qm_robot_handle* handle, const char* form_name);
+/* Names of the stored fences (at most 10) and their count. */
+int qm_get_electronic_fence_list_names(qm_robot_handle* handle, qm_fence_names_t* names, int* len);
+/* The named fence; 1 when no fence has that name. */
+int qm_get_given_electronic_fence_config(qm_robot_handle* handle, const char* given_name, qm_fence_config_t* config);
+/* Every stored fence and their count. */
+int qm_get_electronic_fence_list_infos(qm_robot_handle* handle, qm_fence_config_list_t* config_list, int* len);
+/* Enables or disables the active electronic fence. */
+int qm_set_electronic_fence_enable(qm_robot_handle* handle, qm_electronic_fence_enable_t state);
+/* Whether the active electronic fence is enabled, and how. */
+int qm_get_electronic_fence_enable(qm_robot_handle* handle, qm_electronic_fence_enable_t* state);
+/* Sets the active electronic fence, a cube or a plane; -4 for another form. */
+int qm_set_electronic_fence_config(qm_robot_handle* handle, qm_fence_config_t config);
+/* The active electronic fence. */
+int qm_get_electronic_fence_config(qm_robot_handle* handle, qm_fence_config_t* config);
+/* Enables or disables the virtual wall. */
+int qm_set_virtual_wall_enable(qm_robot_handle* handle, qm_electronic_fence_enable_t state);
+/* Whether the virtual wall is enabled, and how. */
+int qm_get_virtual_wall_enable(qm_robot_handle* handle, qm_electronic_fence_enable_t* state);
+/* Sets the virtual wall, a cube or a sphere; -4 for another form. */
+int qm_set_virtual_wall_config(qm_robot_handle* handle, qm_fence_config_t config);
+/* The virtual wall. */
+int qm_get_virtual_wall_config(qm_robot_handle* handle, qm_fence_config_t* config);
+/* Enables or disables self-collision checking. */
+int qm_set_self_collision_enable(qm_robot_handle* handle, bool state);
+/* Whether self-collision checking is enabled. */
+int qm_get_self_collision_enable(qm_robot_handle* handle, bool* state);
+/* Sets the DH table: a and d in metres, alpha and offset in radians; joints beyond the dof go out as zeros. */
+int qm_set_DH_data(qm_robot_handle* handle, qm_dh_t dh);
+/* Restores the factory DH table. */
+int qm_set_DH_data_default(qm_robot_handle* handle);
+/* Installation angles about X, Y, Z, sent as whole degrees (90.9 goes out as 90). */
+int qm_set_install_pose(qm_robot_handle* handle, float x, float y, float z);
+/* Firmware versions of the joints, one per joint; their number into version. */
+int qm_get_joint_software_version(qm_robot_handle* handle, int* version, qm_version_t* joint_v);
+/* Firmware version of the tool board; the number of versions read into version. */
+int qm_get_tool_software_version(qm_robot_handle* handle, int* version, qm_version_t* tool_v);
+/* Run mode of the arm, as the controller defines it. */
+int qm_set_arm_run_mode(qm_robot_handle* handle, int mode);
+/* Run mode of the arm. */
+int qm_get_arm_run_mode(qm_robot_handle* handle, int* mode);
+/* Sets or releases the emergency stop. */
+int qm_set_arm_emergency_stop(qm_robot_handle* handle, bool state);
+
 #ifdef __cplusplus
 }
 #endif

@@ -1,6 +1,7 @@
 // The generic exchanges of the arm catalogue; each command only describes itself.
 #include "qm_command.h"
 
+#include <algorithm>
 #include <climits>
 #include <cmath>
 #include <cstring>
@@ -160,6 +161,21 @@ int send_query(const char* caller, qm_robot_handle* handle, const Request& req, 
     std::string text;
     if (int rc = exchange(caller, handle, req, reply, text); rc < 1) return rc;
     return common_json_parse(caller, text.c_str(), table.data(), static_cast<int>(table.size()));
+}
+
+int send_raw(qm_robot_handle* handle, std::string_view data, std::size_t piece, std::chrono::milliseconds pause) {
+    if (piece == 0) return -1;
+    TableReadLock lock;
+    qm_handle_t* record = qm_get_qm_handle_by_robot_handle(handle);
+    if (!record || !record->socket_handle) return -1;
+    qm_socket_handle* socket = record->socket_handle.get();
+    for (std::size_t at = 0; at < data.size(); at += piece) {
+        const std::string_view chunk = data.substr(at, piece);
+        const std::size_t text = std::min(chunk.size(), chunk.find('\0'));
+        if (text > 0 && socket->send(socket, chunk.data(), static_cast<int>(text)) != 0) return -1;
+        if (pause.count() > 0) sleep_cp(static_cast<int>(pause.count()));
+    }
+    return 0;
 }
 
 int send_set_or_only(const char* caller, qm_robot_handle* handle, const Request& req,

@@ -50,19 +50,6 @@ int choose_entry(qm_socket_fifo_handle& fifo) {
     return -1;
 }
 
-void record_drag_point(const cJSON* tree, const std::string& line) {
-    if (!cJSON_IsArray(MIO_JSON_GetObjectItem(tree, "point"))) {
-        drag_teach_save_state = 1;
-        qm_log_error("Error: 'point' is not an array. %s\n", line.c_str());
-        return;
-    }
-    drag_teach_save_start = 1;
-    drag_teach_file_write(line, "\r\n");
-    int count = ++drag_teach_count;
-    qm_log_debug("drag_teach_count:  %d  drag_teach_total_num: %d\n", count, drag_teach_total_num.load());
-    if (count == drag_teach_total_num) drag_teach_save_complete = 1;
-}
-
 // Fills event_data for a trajectory or program event; false for any other key.
 bool fill_event(const qm_handle_t& record, const cJSON* tree, const char* key) {
     if (std::strcmp(key, kTrajectoryEvent) == 0) {
@@ -130,7 +117,7 @@ void fifo_file_line(qm_handle_t& record, std::string_view line) {
     if (!key) key = MIO_JSON_GetObjectItemStr(tree.get(), "command");
     if (!key) {
         lock.unlock();
-        record_drag_point(tree.get(), text);
+        drag_teach_record_point(tree.get(), text);
         return;
     }
     const size_t key_len = std::strlen(key);

@@ -105,21 +105,10 @@ std::string arc_request(const qm_pose_t& via, const qm_pose_t& to, MoveArgs args
     return text ? std::string(text.get()) + "\r\n" : std::string();
 }
 
-// Writes a ready line straight to the connection's socket: 0, or -1 when the connection
-// is gone or the send fails.
-int send_line(qm_robot_handle* handle, const std::string& line) {
-    if (line.empty()) return -1;
-    TableReadLock lock;
-    qm_handle_t* record = qm_get_qm_handle_by_robot_handle(handle);
-    if (!record || !record->socket_handle) return -1;
-    qm_socket_handle* socket = record->socket_handle.get();
-    return socket->send(socket, line.data(), static_cast<int>(line.size())) == 0 ? 0 : -1;
-}
-
 int arc_move(qm_robot_handle* handle, const qm_pose_t& via, const qm_pose_t& to, MoveArgs args, int loop,
              std::optional<int> block) {
     const std::string line = arc_request(via, to, args, loop);
-    if (send_line(handle, line) != 0) return -1;
+    if (line.empty() || send_raw(handle, line, line.size(), milliseconds(0)) != 0) return -1;
     if (block) qm_log_debug("send is: %s\n", line.c_str());
     int accepted = send_set(kMoveC.log_name, handle, Request::nothing(), acceptance(kMoveC));
     return settle(kMoveC, handle, accepted, args.trajectory_connect, block);
