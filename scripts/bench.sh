@@ -8,10 +8,13 @@ cd "$(dirname "$0")/.."
 dir=${1:-build-release}
 out="$dir/bench-results"
 
+bash scripts/install_missing.sh cmake ninja-build g++ pkg-config libcjson-dev libbenchmark-dev \
+  liborocos-kdl-dev libeigen3-dev googletest libgtest-dev libgmock-dev python3
+benches=(fk_bench ik_bench exchange_bench push_bench sim_bench)
 cmake -S . -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=Release
-cmake --build "$dir" -j"$(nproc)" --target fk_bench ik_bench exchange_bench push_bench
+cmake --build "$dir" -j"$(nproc)" --target "${benches[@]}"
 mkdir -p "$out"
-for bench in fk_bench ik_bench exchange_bench push_bench; do
+for bench in "${benches[@]}"; do
   echo "== $bench"
   "$dir/bench/$bench" --benchmark_out="$out/$bench.json" --benchmark_out_format=json ${BENCH_FLAGS:-} \
     | tee "$out/$bench.txt"
