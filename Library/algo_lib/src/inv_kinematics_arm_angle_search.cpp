@@ -6,10 +6,12 @@
 // limits, and otherwise stops the grid once no arm angle left can hold a nearer branch;
 // strategy 1 always walks the whole range.
 
+#include <array>
 #include <cmath>
 #include <initializer_list>
 
 #include "inv_kinematics_arm_angle.h"
+#include "inv_kinematics_arm_angle_floor.h"
 #include "qman_inv_kinematics.h"
 
 namespace algo::ik {
@@ -215,16 +217,25 @@ constexpr float kSingularWindow = 0.2f;  // rad of arm angle around the referenc
 constexpr int kFirst[2] = {0, 4};        // shoulder, wrist: the joint that is the axis's azimuth
 constexpr int kLast[2] = {2, 6};         // and the joint that turns opposite it
 
+std::array<float, ROBOT_DOF> reference_of(const SolveInput& in) {
+    std::array<float, ROBOT_DOF> theta;
+    reference_theta(in, theta.data());
+    return theta;
+}
+
 class ArmAngleSearch {
 public:
     ArmAngleSearch(const SolveInput& in, const ArmAngleTarget& t, IkSolve& out)
-        : in_(in), t_(t), out_(out), middle_(in, t) {
-        reference_theta(in, theta_ref_);
-        psi0_ = reference_arm_angle(t, theta_ref_);
-    }
+        : in_(in),
+          t_(t),
+          out_(out),
+          middle_(in, t),
+          theta_ref_(reference_of(in)),
+          floor_(in, t, theta_ref_.data()),
+          psi0_(reference_arm_angle(t, theta_ref_.data())) {}
 
     int run(int strategy, float range) {
-        const MiddleSines sines = branches_at(in_, t_, theta_ref_, psi0_, out_);
+        const MiddleSines sines = branches_at(in_, t_, theta_ref_.data(), psi0_, out_);
         const int own = theta_ref_[3] >= 0.0f ? 0 : 1;
         const bool near[2] = {sines.shoulder[own] < kNearSingularSin, sines.wrist[own] < kNearSingularSin};
         if (near[0] || near[1]) {
@@ -240,18 +251,35 @@ public:
         // can keep the reference's outer joints, then the grid.
         for (int k = 0; k < 2; ++k) try_singular(k, psi0_, range);
         SearchBound bound{};
-        if (bounded) bound = search_bound(in_, t_, theta_ref_);
+        if (bounded) bound = search_bound(in_, t_, theta_ref_.data());
         const int steps = static_cast<int>(range / Q_STEP_MIN + 1e-3f);
-        for (int k = 1; k <= steps; ++k) {
-            const float offset = static_cast<float>(k) * Q_STEP_MIN;
-            int elbows = kBothElbows;
-            if (bounded) {
-                double lowest[2];
-                lowest_costs_beyond(bound, psi0_, offset, range, lowest);
-                elbows = (lowest[0] < best_ ? 1 : 0) | (lowest[1] < best_ ? 2 : 0);
-                if (elbows == 0) break;
+        // Two steps at a time: the floors of their four arm angles come in one pass.
+        for (int k = 1; k <= steps; k += 2) {
+            float psi[2][2];
+            for (int i = 0; i < 2; ++i) {
+                const float offset = static_cast<float>(k + i) * Q_STEP_MIN;
+                psi[i][0] = psi0_ + offset;
+                psi[i][1] = psi0_ - offset;
             }
-            for (const float side : {1.0f, -1.0f}) evaluate(psi0_ + side * offset, elbows);
+            using lanes::F4;
+            F4 sn, cs;
+            lanes::sincos(F4{psi[0][0], psi[0][1], psi[1][0], psi[1][1]}, sn, cs);
+            const CostFloor::Floors floors = floor_.at(sn, cs);
+            for (int i = 0; i < 2 && k + i <= steps; ++i) {
+                const float offset = static_cast<float>(k + i) * Q_STEP_MIN;
+                int elbows = kBothElbows;
+                if (bounded) {
+                    double lowest[2];
+                    lowest_costs_beyond(bound, psi0_, offset, range, lowest);
+                    elbows = (lowest[0] < best_ ? 1 : 0) | (lowest[1] < best_ ? 2 : 0);
+                    if (elbows == 0) return out_.num;
+                }
+                for (int side = 0; side < 2; ++side) {
+                    const int lane = 2 * i + side;
+                    const int possible = middle_.possible(elbows, sn[lane], cs[lane]);
+                    evaluate_among(psi[i][side], CostFloor::could_beat(possible, floors, lane, best_));
+                }
+            }
         }
         return out_.num;
     }
@@ -260,19 +288,22 @@ private:
     // The set at psi becomes the answer when its best branch is strictly nearer. A set looked at
     // for one elbow sign only is completed first: the answer lists every branch of its arm angle.
     void evaluate(float psi, int elbows = kBothElbows) {
-        elbows = middle_.possible(elbows, std::sin(psi), std::cos(psi));
+        evaluate_among(psi, middle_.possible(elbows, std::sin(psi), std::cos(psi)));
+    }
+
+    void evaluate_among(float psi, int elbows) {
         if (elbows == 0) {
             begin_solutions(in_, candidate_);  // nothing there within the limits
             return;
         }
-        branches_at(in_, t_, theta_ref_, psi, candidate_, elbows);
+        branches_at(in_, t_, theta_ref_.data(), psi, candidate_, elbows);
         const double cost = solution_cost(in_, candidate_);
         if (cost < best_) {
             best_ = cost;
             if (elbows == kBothElbows) {
                 out_ = candidate_;
             } else {
-                branches_at(in_, t_, theta_ref_, psi, out_);
+                branches_at(in_, t_, theta_ref_.data(), psi, out_);
             }
         }
     }
@@ -327,7 +358,8 @@ private:
     const ArmAngleTarget& t_;
     IkSolve& out_;
     MiddleJointFilter middle_;
-    float theta_ref_[ROBOT_DOF];
+    std::array<float, ROBOT_DOF> theta_ref_;
+    CostFloor floor_;
     float psi0_;
     AxisBlend axes_[2];  // of the reference's elbow sign, made on first use
     bool axes_ready_ = false;
