@@ -48,6 +48,18 @@ public:
     // angles, from their sines and cosines.
     struct Floors {
         lanes::F4 elbow[2];
+
+        float least(int lane) const { return std::fmin(elbow[0][lane], elbow[1][lane]); }
+
+        // The elbow signs of `elbows` whose branches at the lane's arm angle may cost less than
+        // best, and no more than ceiling.
+        int could_beat(int elbows, int lane, double best, double ceiling) const {
+            for (int e = 0; e < 2; ++e) {
+                const double floor = double(elbow[e][lane]) * (1.0 - kRelativeSlack) - kSlack;
+                if (floor >= best || floor > ceiling) elbows &= ~(1 << e);
+            }
+            return elbows;
+        }
     };
     Floors at(lanes::F4 sn, lanes::F4 cs) const {
         Floors f;
@@ -56,14 +68,6 @@ public:
                          triple_floor(parts_[e][1], joints_[1], sn, cs);
         }
         return f;
-    }
-
-    // The elbow signs of `elbows` whose branches at lane i of floors may cost less than best.
-    static int could_beat(int elbows, const Floors& floors, int i, double best) {
-        for (int e = 0; e < 2; ++e) {
-            if (double(floors.elbow[e][i]) * (1.0 - kRelativeSlack) - kSlack >= best) elbows &= ~(1 << e);
-        }
-        return elbows;
     }
 
 private:

@@ -90,7 +90,7 @@ double rotation_between(const Mat3 a, const Mat3 b) {
 // nearest the reference and the reference's remaining shoulder and wrist rotations from there:
 //   cost >= (q4 - ref4)^2 + max(0, d - shoulder_gap)^2 / 3 + max(0, d - wrist_gap)^2 / 3.
 struct SearchBound {
-    float centre[2];
+    double centre_away[2];  // |centre - psi0| round the circle
     double shoulder_gap[2];
     double wrist_gap[2];
     double joint4_cost[2];  // infinite for an elbow sign outside joint 4's limits
@@ -99,16 +99,17 @@ struct SearchBound {
 // Slack for the single-precision rounding of the arm angles and rotations.
 constexpr double kBoundSlack = 1e-4;
 
-SearchBound search_bound(const SolveInput& in, const ArmAngleTarget& t, const float* theta_ref) {
+SearchBound search_bound(const SolveInput& in, const ArmAngleTarget& t, const float* theta_ref, float psi0) {
     SearchBound bound;
     Mat3 shoulder_ref, wrist_ref;
     zyz_matrix(theta_ref[0], theta_ref[1], theta_ref[2], shoulder_ref);
     zyz_matrix(theta_ref[4], theta_ref[5], theta_ref[6], wrist_ref);
     for (int e = 0; e < 2; ++e) {
         const ElbowBranch& b = t.elbow[e];
-        bound.centre[e] = arm_angle_between(shoulder_ref, b.shoulder0, t.axis);
+        const float centre = arm_angle_between(shoulder_ref, b.shoulder0, t.axis);
+        bound.centre_away[e] = std::fabs(std::remainder(double(centre) - psi0, 2.0 * ALGO_PI));
         Mat3 shoulder, wrist;
-        shoulder_at(b, bound.centre[e], shoulder);
+        shoulder_at(b, centre, shoulder);
         wrist_rotation(b, shoulder, t.rotation, wrist);
         bound.shoulder_gap[e] = rotation_between(shoulder, shoulder_ref) + kBoundSlack;
         bound.wrist_gap[e] = rotation_between(wrist, wrist_ref) + kBoundSlack;
@@ -121,9 +122,9 @@ SearchBound search_bound(const SolveInput& in, const ArmAngleTarget& t, const fl
 
 // Lowest cost a branch of each elbow sign can have at the arm angles psi0 + s*d, s = +-1,
 // from <= d <= range.
-void lowest_costs_beyond(const SearchBound& bound, float psi0, float from, float range, double lowest[2]) {
+void lowest_costs_beyond(const SearchBound& bound, float from, float range, double lowest[2]) {
     for (int e = 0; e < 2; ++e) {
-        const double rel = std::fabs(std::remainder(double(bound.centre[e]) - psi0, 2.0 * ALGO_PI));
+        const double rel = bound.centre_away[e];
         double d = 0.0;  // from the centre to the nearest arm angle left
         if (rel < from) {
             d = from - rel;
@@ -251,33 +252,28 @@ public:
         // can keep the reference's outer joints, then the grid.
         for (int k = 0; k < 2; ++k) try_singular(k, psi0_, range);
         SearchBound bound{};
-        if (bounded) bound = search_bound(in_, t_, theta_ref_.data());
+        if (bounded) bound = search_bound(in_, t_, theta_ref_.data(), psi0_);
         const int steps = static_cast<int>(range / Q_STEP_MIN + 1e-3f);
-        // Two steps at a time: the floors of their four arm angles come in one pass.
-        for (int k = 1; k <= steps; k += 2) {
-            float psi[2][2];
-            for (int i = 0; i < 2; ++i) {
-                const float offset = static_cast<float>(k + i) * Q_STEP_MIN;
-                psi[i][0] = psi0_ + offset;
-                psi[i][1] = psi0_ - offset;
-            }
-            using lanes::F4;
-            F4 sn, cs;
-            lanes::sincos(F4{psi[0][0], psi[0][1], psi[1][0], psi[1][1]}, sn, cs);
-            const CostFloor::Floors floors = floor_.at(sn, cs);
-            for (int i = 0; i < 2 && k + i <= steps; ++i) {
-                const float offset = static_cast<float>(k + i) * Q_STEP_MIN;
+        const int blocks = (steps + 1) / 2;
+        for (int n = 0; n < blocks; ++n) {
+            // Far enough out that the nearest branches are not close by: the cheapest-looking arm
+            // angle of a sample of those left is worked out, and any whose floor lies above its
+            // cost is skipped from there on. It is not taken as the answer: only the order of the
+            // walk decides between equal costs.
+            if (n == kBlocksBeforeCeiling) ceiling_ = cheapest_from(n, blocks, steps);
+            const GridBlock& g = grid_block(n);
+            for (int i = 0; i < 2 && g.step[i] <= steps; ++i) {
                 int elbows = kBothElbows;
                 if (bounded) {
                     double lowest[2];
-                    lowest_costs_beyond(bound, psi0_, offset, range, lowest);
+                    lowest_costs_beyond(bound, static_cast<float>(g.step[i]) * Q_STEP_MIN, range, lowest);
                     elbows = (lowest[0] < best_ ? 1 : 0) | (lowest[1] < best_ ? 2 : 0);
                     if (elbows == 0) return out_.num;
                 }
                 for (int side = 0; side < 2; ++side) {
                     const int lane = 2 * i + side;
-                    const int possible = middle_.possible(elbows, sn[lane], cs[lane]);
-                    evaluate_among(psi[i][side], CostFloor::could_beat(possible, floors, lane, best_));
+                    const int possible = middle_.possible(elbows, g.sn[lane], g.cs[lane]);
+                    evaluate_among(g.psi[lane], g.floors.could_beat(possible, lane, best_, ceiling_));
                 }
             }
         }
@@ -285,6 +281,52 @@ public:
     }
 
 private:
+    // Two steps of the grid, both sides: the floors of their four arm angles come in one pass.
+    struct GridBlock {
+        int step[2];
+        float psi[4];  // step[0] up, down, step[1] up, down
+        lanes::F4 sn, cs;
+        CostFloor::Floors floors;
+    };
+    static constexpr int kBlocksBeforeCeiling = 8;
+    static constexpr int kCeilingStride = 4;
+    static constexpr int kMaxBlocks = static_cast<int>(Q_STEP_MAX / Q_STEP_MIN) / 2 + 2;
+
+    const GridBlock& grid_block(int n) {
+        GridBlock& g = grid_[n];
+        if (ready_[n]) return g;
+        for (int i = 0; i < 2; ++i) {
+            g.step[i] = 2 * n + 1 + i;
+            const float offset = static_cast<float>(g.step[i]) * Q_STEP_MIN;
+            g.psi[2 * i] = psi0_ + offset;
+            g.psi[2 * i + 1] = psi0_ - offset;
+        }
+        lanes::sincos(lanes::F4{g.psi[0], g.psi[1], g.psi[2], g.psi[3]}, g.sn, g.cs);
+        g.floors = floor_.at(g.sn, g.cs);
+        ready_[n] = true;
+        return g;
+    }
+
+    // The cost at the arm angle with the lowest floor of every kCeilingStride-th block from
+    // first to last - 1: a sample, so that a walk that would have stopped soon pays little.
+    double cheapest_from(int first, int last, int steps) {
+        float lowest = INFINITY;
+        float psi = 0.0f;
+        for (int n = first; n < last; n += kCeilingStride) {
+            const GridBlock& g = grid_block(n);
+            for (int lane = 0; lane < 4; ++lane) {
+                const float f = g.floors.least(lane);
+                if (g.step[lane / 2] <= steps && f < lowest) {
+                    lowest = f;
+                    psi = g.psi[lane];
+                }
+            }
+        }
+        if (lowest == INFINITY) return INFINITY;
+        branches_at(in_, t_, theta_ref_.data(), psi, candidate_);
+        return solution_cost(in_, candidate_);
+    }
+
     // The set at psi becomes the answer when its best branch is strictly nearer. A set looked at
     // for one elbow sign only is completed first: the answer lists every branch of its arm angle.
     void evaluate(float psi, int elbows = kBothElbows) {
@@ -364,7 +406,10 @@ private:
     AxisBlend axes_[2];  // of the reference's elbow sign, made on first use
     bool axes_ready_ = false;
     double best_ = INFINITY;
+    double ceiling_ = INFINITY;  // the cost of some grid arm angle
     IkSolve candidate_;
+    std::array<GridBlock, kMaxBlocks> grid_;
+    std::array<bool, kMaxBlocks> ready_{};
 };
 
 }  // namespace
