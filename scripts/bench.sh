@@ -56,7 +56,7 @@ for model in ("QM65", "QM75"):
     print(f"qm_algo_inverse_kinematics {model}: {ours:.0f} ns: {nr / ours:.0f}x KDL NR_JL, {lma / ours:.0f}x KDL LMA;"
           f" qm_algo_inverse_kinematics_all {every:.0f} ns")
 text = open(f"{out}/ik_bench.txt").read()
-for line in re.findall(r"^(?:QM|TAV).*|^\s+(?:from a|joints over).*", text, re.M):
+for line in re.findall(r"^(?:QM|TAV).*|^\s+(?:from a|joints over|qm_algo|KDL).*", text, re.M):
     print(line.rstrip())
 
 for name in ("exchange_bench", "push_bench"):
