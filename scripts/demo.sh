@@ -8,10 +8,10 @@ cd "$(dirname "$0")/.."
 packages=(cmake ninja-build gcc g++ pkg-config libcjson-dev)
 bash scripts/install_missing.sh "${packages[@]}"
 
-echo "building qm_sim and the demo (log in build-demo/build.log) ..."
+echo "building qm_sim, qm_latency and the demo (log in build-demo/build.log) ..."
 mkdir -p build-demo
 if ! { cmake -S . -B build-demo -G Ninja -DCMAKE_BUILD_TYPE=Release -DQM_BUILD_TESTS=OFF -DQM_BUILD_BENCH=OFF &&
-       cmake --build build-demo --target qm_sim demo -j"$(nproc)"; } > build-demo/build.log 2>&1; then
+       cmake --build build-demo --target qm_sim qm_latency demo -j"$(nproc)"; } > build-demo/build.log 2>&1; then
   cat build-demo/build.log >&2
   exit 1
 fi

@@ -70,6 +70,7 @@ JointLimitSet default_limits(const ArmModel& model) {
 }
 
 const char* status_of(MoveKind kind) {
+    if (kind == MoveKind::replay) return "tech_demonstration";
     switch (kind) {
         case MoveKind::joint:
             return "move_J";
@@ -81,8 +82,14 @@ const char* status_of(MoveKind kind) {
             return "move_S";
         case MoveKind::jog:
             return "move_J";
+        case MoveKind::replay:
+            break;
     }
     return "idle";
+}
+
+void add_travel(std::array<double, kMaxJoints>& odometer, const Joints& from, const Joints& to) {
+    for (int j = 0; j < kMaxJoints; ++j) odometer[j] += std::fabs(to[j] - from[j]);
 }
 
 }  // namespace
@@ -95,6 +102,8 @@ Arm::Arm(int index, ArmModel model, int generation, const PushConfig& push, ArmH
       kinematics_(model_),
       trajectory_(Joints{}) {
     state.limits = default_limits(model_);
+    state.dh = model_.dh;
+    state.network.mac = "02:51:4d:00:00:0" + std::to_string(index + 1);
     state.drive_limits = state.limits;
     state.enabled.fill(true);
     state.tools.push_back(Frame{state.tool, {}, 0, {}});
@@ -105,6 +114,60 @@ Arm::Arm(int index, ArmModel model, int generation, const PushConfig& push, ArmH
 
 Arm::~Arm() {
     host_.loop().cancel(arrival_timer_);
+    for (const auto& [key, timer] : timers_) host_.loop().cancel(timer);
+}
+
+Arm::TimerKey Arm::at(SimTime when, std::function<void()> fn) {
+    const TimerKey key = next_timer_++;
+    timers_[key] = host_.loop().at(host_.clock().to_wall(when), [this, key, fn = std::move(fn)] {
+        timers_.erase(key);
+        fn();
+    });
+    return key;
+}
+
+void Arm::cancel(TimerKey key) {
+    auto it = timers_.find(key);
+    if (it == timers_.end()) return;
+    host_.loop().cancel(it->second);
+    timers_.erase(it);
+}
+
+void Arm::drive(Travel& travel, std::vector<int> target, double rate, int device) {
+    const SimTime now = this->now();
+    travel.from = travel.at(now);
+    target.resize(travel.from.size(), 0);
+    double furthest = 0.0;
+    for (std::size_t i = 0; i < target.size(); ++i)
+        furthest = std::max(furthest, std::fabs(static_cast<double>(target[i]) - travel.from[i]));
+    travel.to = std::move(target);
+    travel.start = now;
+    travel.end = now + Seconds(rate > 0.0 ? furthest / rate : 0.0);
+    cancel(travel.arrival);
+    travel.arrival = 0;
+    if (device > 0)
+        travel.arrival = at(travel.end, [this, &travel, device] {
+            travel.arrival = 0;
+            announce_arrival(device, true);
+        });
+}
+
+void Arm::halt(Travel& travel) {
+    const SimTime now = this->now();
+    travel.to = travel.from = travel.at(now);
+    travel.start = travel.end = now;
+    cancel(travel.arrival);
+    travel.arrival = 0;
+}
+
+void Arm::announce_arrival(int device, bool arrived, int trajectory_connect) {
+    JsonPtr event(cJSON_CreateObject());
+    cJSON_AddStringToObject(event.get(), "state", "current_trajectory_state");
+    cJSON_AddBoolToObject(event.get(), "trajectory_state", arrived);
+    cJSON_AddNumberToObject(event.get(), "device", device);
+    cJSON_AddNumberToObject(event.get(), "trajectory_connect", trajectory_connect);
+    JsonText text(cJSON_PrintUnformatted(event.get()));
+    host_.broadcast(index_, text.get());
 }
 
 void Arm::reconfigure() {
@@ -112,6 +175,7 @@ void Arm::reconfigure() {
     if (const Frame* tool = find_tool(state.tool)) setup.tool = wire::coord(tool->pose);
     if (const Frame* work = find_work(state.work)) setup.work = wire::coord(work->pose);
     for (int i = 0; i < 3; ++i) setup.install[i] = static_cast<float>(state.install[i] * ALGO_PI / 180.0);
+    setup.dh = state.dh;
     setup.min_pos = wire::degrees(state.limits.min_pos);
     setup.max_pos = wire::degrees(state.limits.max_pos);
     kinematics_.configure(setup);
@@ -158,10 +222,12 @@ Joints Arm::speeds() const {
 }
 
 const char* Arm::status() const {
+    if (state.controller.emergency_stop) return "stop";
     if (const Segment* running = trajectory_.current())
         return trajectory_.paused() ? "pause" : status_of(running->kind);
-    if (placed_at_ && host_.clock().now() - *placed_at_ < kPassThroughShown)
-        return placed_by_pose_ ? "move_through_pose" : "move_through_joint";
+    if (state.drag.active)
+        return model_.sensor != ForceSensor::none && state.force.drag_mode == 1 ? "sensor_drag" : "current_drag";
+    if (placed_at_ && host_.clock().now() - *placed_at_ < kPassThroughShown) return placed_status_;
     return "idle";
 }
 
@@ -171,19 +237,16 @@ WireJoints Arm::enable_flags() const {
     return flags;
 }
 
-void Arm::report(const Segment& segment, bool arrived) {
-    if (segment.kind == MoveKind::jog) return;  // jogs end without a report
-    JsonPtr event(cJSON_CreateObject());
-    cJSON_AddStringToObject(event.get(), "state", "current_trajectory_state");
-    cJSON_AddBoolToObject(event.get(), "trajectory_state", arrived);
-    cJSON_AddNumberToObject(event.get(), "device", 0);
-    cJSON_AddNumberToObject(event.get(), "trajectory_connect", arrived ? segment.trajectory_connect : 0);
-    JsonText text(cJSON_PrintUnformatted(event.get()));
-    host_.broadcast(index_, text.get());
+// Jogs and replays end without a report: nobody waits for them by the arrival event.
+void Arm::end(Segment& segment, bool arrived) {
+    if (arrived) add_travel(state.controller.odometer, segment.path.start(), segment.path.end());
+    if (segment.reports && segment.kind != MoveKind::jog && segment.kind != MoveKind::replay)
+        announce_arrival(0, arrived, arrived ? segment.trajectory_connect : 0);
+    if (segment.on_end) segment.on_end(arrived);
 }
 
 void Arm::settle() {
-    for (const Segment& done : trajectory_.advance(host_.clock().now())) report(done, true);
+    for (Segment& done : trajectory_.advance(host_.clock().now())) end(done, true);
     rearm();
 }
 
@@ -194,20 +257,34 @@ void Arm::rearm() {
         arrival_timer_ = host_.loop().at(host_.clock().to_wall(*end), [this] { settle(); });
 }
 
-std::string Arm::motion_blocked() const {
+std::string Arm::held() const {
+    if (!state.controller.power) return "the arm's power is off";
+    if (state.controller.emergency_stop) return "the emergency stop holds the arm";
     for (int j = 0; j < model_.dof; ++j)
         if (!state.enabled[j]) return "joint " + std::to_string(j + 1) + " is disabled";
+    return {};
+}
+
+std::string Arm::motion_blocked() const {
+    if (std::string why = held(); !why.empty()) return why;
+    if (state.drag.active) return "the arm is being dragged";
     if (jogging()) return "the arm is jogging";
     if (trajectory_.size() >= kMaxQueued) return "too many moves queued";
     return {};
 }
 
-std::string Arm::move(Plan plan, int trajectory_connect, std::vector<int> reported) {
+std::string Arm::move(Plan plan, int trajectory_connect, std::vector<int> reported, int program) {
     if (!plan.segment) return plan.refusal;
-    if (std::string blocked = motion_blocked(); !blocked.empty()) return blocked;
     plan.segment->trajectory_connect = trajectory_connect;
     plan.segment->reported = std::move(reported);
-    trajectory_.append(std::move(*plan.segment), host_.clock().now());
+    plan.segment->program = program;
+    plan.segment->reports = program == 0;
+    return run(std::move(*plan.segment));
+}
+
+std::string Arm::run(Segment segment) {
+    if (std::string blocked = motion_blocked(); !blocked.empty()) return blocked;
+    trajectory_.append(std::move(segment), host_.clock().now());
     // Not settled here: even a move that is over at once reports its arrival after the reply.
     rearm();
     return {};
@@ -234,7 +311,7 @@ void Arm::stop_jog() {
 }
 
 void Arm::stop() {
-    if (std::optional<Segment> stopped = trajectory_.stop(host_.clock().now())) report(*stopped, false);
+    if (std::optional<Segment> stopped = trajectory_.stop(host_.clock().now())) end(*stopped, false);
     rearm();
 }
 
@@ -251,7 +328,7 @@ void Arm::resume() {
 void Arm::drop_current(bool keep_queue) {
     const SimTime now = host_.clock().now();
     std::optional<Segment> dropped = trajectory_.stop(now, keep_queue);
-    if (dropped) report(*dropped, false);
+    if (dropped) end(*dropped, false);
     if (const Segment* next = trajectory_.current()) {
         // The next move was planned from where the dropped one would have ended: go there first.
         Plan bridge =
@@ -267,10 +344,16 @@ void Arm::drop_current(bool keep_queue) {
     rearm();
 }
 
-void Arm::place(const Joints& q, bool by_pose) {
+// A running move is dropped without a report, as before a pass-through target.
+void Arm::place(const Joints& q, const char* status) {
+    const SimTime now = host_.clock().now();
+    const Joints from = joints();
+    if (std::optional<Segment> dropped = trajectory_.stop(now); dropped && dropped->on_end) dropped->on_end(false);
     trajectory_.place(q);
-    placed_at_ = host_.clock().now();
-    placed_by_pose_ = by_pose;
+    add_travel(state.controller.odometer, from, q);
+    if (state.drag.recording) state.drag.placed.emplace_back(now, q);
+    placed_at_ = now;
+    placed_status_ = status;
     rearm();
 }
 

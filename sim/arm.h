@@ -1,16 +1,18 @@
-// One simulated arm with its controller's state: joints and motion in simulated time,
-// limits, frames, realtime push configuration. Values the controller receives are kept in
-// the units they travel in, so a value written reads back exactly.
+// One simulated arm with its controller: joints and motion in simulated time, the state of
+// every command family (arm_state.h), and timers that run with the arm.
 #ifndef QM_SIM_ARM_H
 #define QM_SIM_ARM_H
 
 #include <array>
+#include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "arm_model.h"
+#include "arm_state.h"
 #include "event_loop.h"
 #include "kinematics.h"
 #include "motion.h"
@@ -19,66 +21,14 @@
 
 namespace sim {
 
-using WireJoints = std::array<int, kMaxJoints>;
-using Wire6 = std::array<int, 6>;  // x, y, z micrometres; rx, ry, rz thousandths of a radian
-
-struct Frame {
-    std::string name;
-    Wire6 pose{};
-    int payload = 0;              // thousandths of a kilogram
-    std::array<int, 3> centre{};  // centre of mass of the payload, micrometres
-};
-
-struct EnvelopeBall {
-    std::string name;
-    int radius = 0, x = 0, y = 0, z = 0;  // thousandths of a metre
-};
-
-// Joint limits as the wire carries them: positions in thousandths of a degree, speeds and
-// accelerations in thousandths of a sixth (degrees per second / 6).
-struct JointLimitSet {
-    WireJoints min_pos{}, max_pos{}, max_speed{}, max_acc{};
-};
-
-struct PushConfig {
-    bool enable = true;
-    int cycle_ms = 10;
-    int port = 8089;
-    std::string ip = "127.0.0.1";
-    int force_coordinate = 0;
-    std::map<std::string, bool> custom;  // optional sections by their key
-};
-
-// Everything the command families read and change besides the motion.
-struct ArmState {
-    JointLimitSet limits;        // software limits, what moves are checked against
-    JointLimitSet drive_limits;  // the drives' own, only stored
-    std::array<bool, kMaxJoints> enabled{};
-    std::array<int, kMaxJoints> err_flags{};
-    std::vector<int> errors;  // the arm's error codes, none while it is well
-    int line_speed = 250, line_acc = 1600, angular_speed = 600, angular_acc = 4000;  // thousandths
-    int collision_stage = 0;
-    int teach_frame = 0;  // 0 work frame, 1 tool frame
-    WireJoints init_pose{};
-    std::array<int, 3> install{};  // whole degrees about X, Y, Z
-
-    std::vector<Frame> tools;  // the first is the flange itself and cannot go
-    std::vector<Frame> works;  // the first is the base itself and cannot go
-    std::string tool = "Arm_Tip";
-    std::string work = "World";
-    std::map<int, Pose> tool_points;                         // taught flange poses by point number
-    std::map<std::string, std::map<int, Pose>> work_points;  // taught tool poses by frame and point
-    std::map<std::string, std::vector<EnvelopeBall>> envelopes;
-
-    PushConfig push;
-};
-
 // What an arm needs from the simulator around it.
 class ArmHost {
 public:
     virtual ~ArmHost() = default;
     // Sends a line to every client of arm `arm`.
     virtual void broadcast(int arm, const std::string& line) = 0;
+    // Sends a line to one client, if it is still connected.
+    virtual void send_to(int connection, const std::string& line) = 0;
     virtual EventLoop& loop() = 0;
     virtual const SimClock& clock() const = 0;
     virtual void push_changed(int arm) = 0;
@@ -102,6 +52,7 @@ public:
     int generation() const { return generation_; }
     ArmHost& host() { return host_; }
 
+    SimTime now() const { return host_.clock().now(); }
     // Brings the motion up to now; finished moves are reported to the clients.
     void settle();
     Joints joints() const;
@@ -120,7 +71,10 @@ public:
     MotionLimits motion_limits() const;
     const Kinematics& kinematics() const { return kinematics_; }
     // Queues a planned move; `reported` is what get_arm_current_trajectory shows while it runs.
-    std::string move(Plan plan, int trajectory_connect, std::vector<int> reported);
+    // The moves of stored program `program` end without a report of their own.
+    std::string move(Plan plan, int trajectory_connect, std::vector<int> reported, int program = 0);
+    // Queues a segment that is already complete (a replay, the end of a program).
+    std::string run(Segment segment);
     // Starts a jog; it ends at the end of its path or at stop_jog().
     std::string jog(Plan plan);
     bool jogging() const;
@@ -131,22 +85,40 @@ public:
     void resume();
     // Drops the running move; with `keep_queue` the queued ones follow.
     void drop_current(bool keep_queue);
-    // Pass-through: the arm is at `q` at once.
-    void place(const Joints& q, bool by_pose);
-    // Why a move cannot start now, or empty.
+    // Pass-through: the arm is at `q` at once; `status` shows in the push for a moment.
+    void place(const Joints& q, const char* status);
+    // Why the arm cannot move at all now (power, emergency stop, a disabled joint), or empty.
+    std::string held() const;
+    // Why a planned move cannot start now, or empty.
     std::string motion_blocked() const;
 
     // ---- frames and the settings kinematics depends on ----
     Frame* find_tool(const std::string& name);
     Frame* find_work(const std::string& name);
-    // Loads the current frames, limits and installation into the kinematics.
+    const Frame* find_tool(const std::string& name) const { return const_cast<Arm*>(this)->find_tool(name); }
+    // Loads the current frames, limits, installation and DH table into the kinematics.
     void reconfigure();
+
+    // ---- timers and events ----
+    using TimerKey = std::uint64_t;
+    // Runs fn at simulated time `when` unless cancelled first; the arm's end cancels it.
+    TimerKey at(SimTime when, std::function<void()> fn);
+    void cancel(TimerKey key);
+    // Starts `travel` from where it is now towards `target` at `rate` units per simulated
+    // second (the value with the furthest to go sets the pace). With a `device` above 0 that
+    // device announces its arrival; a new start replaces the arrival of the one before.
+    void drive(Travel& travel, std::vector<int> target, double rate, int device);
+    // Stops a travel where it is, without an arrival.
+    void halt(Travel& travel);
+    // The "current_trajectory_state" event of a device (0 the arm, 1 gripper, 2 hand, 3 lift,
+    // 4 expansion axis) to every client.
+    void announce_arrival(int device, bool arrived, int trajectory_connect = 0);
 
     ArmState state;
 
 private:
     void rearm();
-    void report(const Segment& segment, bool arrived);
+    void end(Segment& segment, bool arrived);
 
     int index_;
     ArmModel model_;
@@ -156,7 +128,9 @@ private:
     Trajectory trajectory_;
     EventLoop::TimerId arrival_timer_ = 0;
     std::optional<SimTime> placed_at_;
-    bool placed_by_pose_ = false;
+    const char* placed_status_ = "idle";
+    std::map<TimerKey, EventLoop::TimerId> timers_;
+    TimerKey next_timer_ = 1;
 };
 
 // Conversions between wire integers and physical values.

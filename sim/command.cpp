@@ -1,5 +1,8 @@
 #include "command.h"
 
+#include <arpa/inet.h>
+
+#include <algorithm>
 #include <cmath>
 
 namespace sim {
@@ -92,6 +95,15 @@ Reply& Reply::add(const char* key, JsonPtr item) {
     return *this;
 }
 
+Reply& Reply::merge(JsonPtr object) {
+    while (cJSON* item = object ? object->child : nullptr) {
+        cJSON_DetachItemViaPointer(object.get(), item);
+        const std::string key = item->string;
+        add(key.c_str(), JsonPtr(item));
+    }
+    return *this;
+}
+
 Reply& Reply::rename(const char* key) {
     return set("command", key);
 }
@@ -118,6 +130,13 @@ const std::vector<std::span<const Command>>& command_families() {
     return registry();
 }
 
+const Command* find_command(std::string_view name) {
+    for (std::span<const Command> family : registry())
+        for (const Command& command : family)
+            if (name == command.name) return &command;
+    return nullptr;
+}
+
 JsonPtr int_array(std::span<const int> values) {
     JsonPtr array(cJSON_CreateArray());
     for (int value : values) cJSON_AddItemToArray(array.get(), cJSON_CreateNumber(value));
@@ -126,6 +145,37 @@ JsonPtr int_array(std::span<const int> values) {
 
 std::vector<int> dof_values(const WireJoints& values, int dof) {
     return {values.begin(), values.begin() + dof};
+}
+
+JsonPtr object_of(std::initializer_list<std::pair<const char*, int>> members) {
+    JsonPtr object(cJSON_CreateObject());
+    for (const auto& [key, value] : members) cJSON_AddNumberToObject(object.get(), key, value);
+    return object;
+}
+
+bool is_ipv4(const std::string& text) {
+    in_addr address{};
+    return ::inet_pton(AF_INET, text.c_str(), &address) == 1;
+}
+
+void reply_page(Call& call, std::size_t count, const std::function<std::string(std::size_t)>& name,
+                const std::function<JsonPtr(std::size_t)>& entry) {
+    const int page = call.args.integer("page_num");
+    const int size = call.args.integer("page_size");
+    const std::string search = call.args.text("vague_search");
+    if (page < 0 || size < 0) throw BadRequest("negative page");
+    std::vector<std::size_t> matching;
+    for (std::size_t i = 0; i < count; ++i)
+        if (name(i).find(search) != std::string::npos) matching.push_back(i);
+    const std::size_t first = size == 0 ? 0 : static_cast<std::size_t>(std::max(page, 1) - 1) * size;
+    const std::size_t last = size == 0 ? matching.size() : std::min(matching.size(), first + size);
+    JsonPtr list(cJSON_CreateArray());
+    for (std::size_t i = first; i < last; ++i) cJSON_AddItemToArray(list.get(), entry(matching[i]).release());
+    call.reply.set("page_num", page)
+        .set("page_size", size)
+        .set("total_size", static_cast<int>(matching.size()))
+        .set("vague_search", search)
+        .add("list", std::move(list));
 }
 
 }  // namespace sim

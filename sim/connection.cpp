@@ -1,5 +1,7 @@
 #include "connection.h"
 
+#include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <sys/epoll.h>
 #include <sys/socket.h>
 
@@ -41,6 +43,7 @@ Connection::Connection(EventLoop& loop, Fd socket, int arm, int id, const Faults
 
 Connection::~Connection() {
     loop_.cancel(flush_timer_);
+    if (raw_) loop_.cancel(raw_->expiry);
     if (open()) loop_.unwatch(socket_.get());
 }
 
@@ -50,6 +53,10 @@ void Connection::on_ready(std::uint32_t events) {
 }
 
 void Connection::read_input() {
+    // Acknowledged at once: a client whose small writes wait for our acknowledgement (Nagle)
+    // would otherwise stream no faster than the delayed acknowledgements come.
+    const int one = 1;
+    ::setsockopt(socket_.get(), IPPROTO_TCP, TCP_QUICKACK, &one, sizeof one);
     char buf[kReadChunk];
     for (;;) {
         const ssize_t n = ::recv(socket_.get(), buf, sizeof buf, MSG_DONTWAIT);
@@ -68,8 +75,18 @@ void Connection::read_input() {
 
 void Connection::take_lines() {
     std::size_t start = 0;
-    for (std::size_t end;
-         open() && !close_when_flushed_ && (end = input_.find("\r\n", start)) != std::string::npos;) {
+    while (open() && !close_when_flushed_) {
+        if (raw_) {
+            const std::size_t n = std::min(raw_->left, input_.size() - start);
+            raw_->bytes.append(input_, start, n);
+            raw_->left -= n;
+            start += n;
+            if (raw_->left > 0) break;
+            end_raw(true);
+            continue;
+        }
+        const std::size_t end = input_.find("\r\n", start);
+        if (end == std::string::npos) break;
         const std::string_view line(input_.data() + start, end - start);
         start = end + 2;
         if (skipping_) {
@@ -84,13 +101,32 @@ void Connection::take_lines() {
         }
     }
     input_.erase(0, start);
-    if (input_.size() > kMaxLine) {
+    if (!raw_ && input_.size() > kMaxLine) {
         log_.note("connection #" + std::to_string(id_) + ": a line of more than " + std::to_string(kMaxLine) +
                   " bytes, dropped");
         reply(R"({"command":"error","error":"line too long"})");
         input_.clear();
         skipping_ = true;
     }
+}
+
+void Connection::read_raw(std::size_t bytes, Clock::duration patience, RawHandler done) {
+    if (raw_) loop_.cancel(raw_->expiry);
+    raw_.emplace(Raw{bytes, {}, std::move(done), loop_.at(Clock::now() + patience, [this] { end_raw(false); })});
+    if (bytes == 0) end_raw(true);
+}
+
+void Connection::end_raw(bool complete) {
+    Raw raw = std::move(*raw_);
+    raw_.reset();
+    loop_.cancel(raw.expiry);
+    log_.traffic(arm_, id_, true,
+                 "(" + std::to_string(raw.bytes.size()) + " bytes of data" + (complete ? ")" : ", incomplete)"));
+    if (complete)
+        raw.done(*this, std::string_view(raw.bytes));
+    else
+        raw.done(*this, std::nullopt);
+    if (!complete) take_lines();  // what came meanwhile is lines again
 }
 
 void Connection::reply(const std::string& line) {
@@ -105,8 +141,8 @@ void Connection::reply(const std::string& line) {
     queue_line(line, faults_.reply_delay);
 }
 
-void Connection::send(const std::string& line) {
-    if (open()) queue_line(line, {});
+void Connection::send(const std::string& line, Clock::duration delay) {
+    if (open()) queue_line(line, delay);
 }
 
 void Connection::queue_line(const std::string& line, Clock::duration delay) {
@@ -179,6 +215,8 @@ void Connection::close() {
     loop_.unwatch(socket_.get());
     loop_.cancel(flush_timer_);
     flush_timer_ = 0;
+    if (raw_) loop_.cancel(raw_->expiry);
+    raw_.reset();
     socket_.reset();
     output_.clear();
     queued_bytes_ = 0;

@@ -6,6 +6,7 @@
 
 #include <deque>
 #include <functional>
+#include <optional>
 #include <random>
 #include <string>
 #include <string_view>
@@ -19,8 +20,11 @@ namespace sim {
 
 class Connection {
 public:
+    using Clock = EventLoop::Clock;
     using LineHandler = std::function<void(Connection& from, std::string_view line)>;
     using ClosedHandler = std::function<void(Connection& closed)>;
+    // The raw bytes, or none when they stopped coming before all were there.
+    using RawHandler = std::function<void(Connection& from, std::optional<std::string_view> bytes)>;
 
     Connection(EventLoop& loop, Fd socket, int arm, int id, const Faults& faults, const Log& log,
                LineHandler on_line, ClosedHandler on_closed);
@@ -34,13 +38,16 @@ public:
 
     // A reply to a command: every fault applies.
     void reply(const std::string& line);
-    // An unsolicited line (an event): only the cutting of lines applies.
-    void send(const std::string& line);
+    // An unsolicited line (an event): only the cutting of lines applies. It goes out after
+    // `delay`, and never before the lines queued earlier.
+    void send(const std::string& line, Clock::duration delay = {});
+    // The next `bytes` bytes are not lines but data for `done`; after `patience` without all
+    // of them, done gets none and lines are read again.
+    void read_raw(std::size_t bytes, Clock::duration patience, RawHandler done);
     // Closes at once; the owner hears of it through on_closed.
     void close();
 
 private:
-    using Clock = EventLoop::Clock;
     struct Piece {
         std::string bytes;
         Clock::time_point not_before;
@@ -49,6 +56,7 @@ private:
     void on_ready(std::uint32_t events);
     void read_input();
     void take_lines();
+    void end_raw(bool complete);
     void queue_line(const std::string& line, Clock::duration delay);
     void flush();
 
@@ -63,6 +71,13 @@ private:
 
     std::string input_;
     bool skipping_ = false;  // inside an oversized line, up to its end
+    struct Raw {
+        std::size_t left;
+        std::string bytes;
+        RawHandler done;
+        EventLoop::TimerId expiry;
+    };
+    std::optional<Raw> raw_;
     std::deque<Piece> output_;
     std::size_t queued_bytes_ = 0;
     bool want_write_ = false;

@@ -4,6 +4,8 @@
 #include <span>
 
 #include "command.h"
+#include "force_sensor.h"
+#include "peripherals.h"
 #include "telemetry.h"
 
 namespace sim {
@@ -47,44 +49,26 @@ JsonPtr waypoint(const Pose& p) {
     return point;
 }
 
+// The six-axis sensor reports every component; the one-axis sensor only Fz (the third).
 JsonPtr force_sensor(const Arm& arm) {
+    ForceReading reading = read_force(arm);
+    if (arm.model().sensor == ForceSensor::one_axis)
+        for (int i = 0; i < 6; ++i)
+            if (i != 2) reading.raw[i] = reading.zero[i] = 0;
     JsonPtr sensor = object();
-    const int zero[6] = {};
-    put(sensor.get(), "force", zero);
-    put(sensor.get(), "zero_force", zero);
+    put(sensor.get(), "force", reading.raw);
+    put(sensor.get(), "zero_force", reading.zero);
     cJSON_AddNumberToObject(sensor.get(), "coordinate", arm.state.push.force_coordinate);
     return sensor;
 }
 
-JsonPtr numbers(std::initializer_list<const char*> keys) {
-    JsonPtr section = object();
-    for (const char* key : keys) cJSON_AddNumberToObject(section.get(), key, 0);
-    return section;
-}
-
-// The peripherals are idle until their command families drive them.
 JsonPtr arm_current_status(const Arm& arm) {
     return JsonPtr(cJSON_CreateString(arm.status()));
 }
-JsonPtr lift_state(const Arm&) {
-    return numbers({"pos", "height", "current", "err_flag", "en_flag"});
-}
-JsonPtr expand_state(const Arm&) {
-    return numbers({"pos", "joint_id", "mode", "current", "err_flag", "en_flag"});
-}
-JsonPtr aloha_state(const Arm&) {
-    return numbers({"io1_state", "io2_state"});
-}
-JsonPtr hand(const Arm&) {
-    JsonPtr section = object();
-    const int zero[6] = {};
-    for (const char* key : {"hand_pos", "hand_angle", "hand_force", "hand_state"})
-        put(section.get(), key, zero);
-    cJSON_AddNumberToObject(section.get(), "hand_err", 0);
-    return section;
-}
-JsonPtr offline(const Arm&) {
-    return JsonPtr(cJSON_CreateString("offline"));
+
+// The tool's two IO levels.
+JsonPtr aloha_state(const Arm& arm) {
+    return object_of({{"io1_state", arm.state.io.tool_level[0]}, {"io2_state", arm.state.io.tool_level[1]}});
 }
 
 struct Section {
@@ -93,12 +77,12 @@ struct Section {
 };
 constexpr Section kSections[] = {
     {"arm_current_status", arm_current_status},
-    {"lift_state", lift_state},
-    {"expand_state", expand_state},
-    {"hand", hand},
+    {"lift_state", lift_section},
+    {"expand_state", expand_section},
+    {"hand", hand_section},
     {"aloha_state", aloha_state},
-    {"qm_plus_base", offline},
-    {"qm_plus_state", offline},
+    {"qm_plus_base", end_effector_base},
+    {"qm_plus_state", end_effector_state},
 };
 
 }  // namespace

@@ -1,7 +1,9 @@
 #include "event_loop.h"
 
+#include <signal.h>
 #include <sys/epoll.h>
 #include <sys/eventfd.h>
+#include <sys/signalfd.h>
 #include <sys/timerfd.h>
 
 #include <cerrno>
@@ -165,6 +167,16 @@ void EventLoop::run() {
             }
         }
     }
+}
+
+void EventLoop::stop_on_signals() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGINT);
+    sigaddset(&signals, SIGTERM);
+    ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    signal_fd_ = checked(::signalfd(-1, &signals, SFD_NONBLOCK | SFD_CLOEXEC), "signalfd");
+    watch(signal_fd_.get(), EPOLLIN, [this](std::uint32_t) { stop(); });
 }
 
 }  // namespace sim

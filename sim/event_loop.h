@@ -42,6 +42,8 @@ public:
     void run();
     // Callable from any thread.
     void stop();
+    // Makes SIGINT and SIGTERM stop the loop; call before starting other threads.
+    void stop_on_signals();
 
 private:
     struct Watcher {
@@ -61,6 +63,7 @@ private:
     Fd epoll_;
     Fd timer_fd_;
     Fd wake_fd_;
+    Fd signal_fd_;
     // epoll data carries a watcher key, never the descriptor: an event for a descriptor that
     // was closed and reused within the same batch then finds no watcher.
     std::unordered_map<std::uint64_t, Watcher> watchers_;

@@ -81,6 +81,7 @@ bool load_model_defaults(ArmModel& model) {
 Kinematics::Kinematics(const ArmModel& model) : model_(model) {
     setup_.min_pos = model.min_pos;
     setup_.max_pos = model.max_pos;
+    setup_.dh = model.dh;
     id_ = g_next_id++;
 }
 
@@ -92,6 +93,15 @@ void Kinematics::configure(const KinematicsSetup& setup) {
 void Kinematics::load() const {
     if (g_loaded_id == id_) return;
     libalgo_set_robot_and_sensor_type(model_.robot_type, model_.sensor_type);
+    DH dh{};
+    libalgo_get_dh_value(&dh);
+    for (int i = 0; i < kMaxJoints; ++i) {
+        dh.d[i] = static_cast<float>(setup_.dh.d[i]);
+        dh.a[i] = static_cast<float>(setup_.dh.a[i]);
+        dh.alpha[i] = static_cast<float>(setup_.dh.alpha[i]);
+        dh.offset[i] = static_cast<float>(setup_.dh.offset[i]);
+    }
+    libalgo_set_dh_params(&dh);
     libalgo_set_robot_install_angle(setup_.install);
     libalgo_set_tool_cs_params(setup_.tool);
     libalgo_set_work_cs_params(setup_.work);

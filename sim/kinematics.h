@@ -18,6 +18,7 @@ struct KinematicsSetup {
     float install[3]{};  // installation angles (rad)
     Joints min_pos{};    // software joint limits (degrees)
     Joints max_pos{};
+    ArmModel::Dh dh{};   // the DH table (m, rad)
 };
 
 class Kinematics {

@@ -80,6 +80,12 @@ std::optional<SimTime> Trajectory::next_end() const {
     return started_ + queue_.front().profile.duration();
 }
 
+int Trajectory::program() const {
+    for (const Segment& segment : queue_)
+        if (segment.program) return segment.program;
+    return 0;
+}
+
 void Trajectory::append(Segment segment, SimTime now) {
     if (queue_.empty()) {
         started_ = now;

@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <deque>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -67,14 +68,17 @@ private:
 };
 
 // What get_arm_current_trajectory reports while a segment runs.
-enum class MoveKind { joint, linear, arc, spline, jog };
+enum class MoveKind { joint, linear, arc, spline, jog, replay };
 
 struct Segment {
     MoveKind kind;
     Path path;
     Profile profile;
-    std::vector<int> reported;  // "data" of the current trajectory: target joints or pose, wire units
+    std::vector<int> reported{};  // "data" of the current trajectory: target joints or pose, wire units
     int trajectory_connect = 0;
+    bool reports = true;                    // its end is announced to the clients
+    int program = 0;                        // the stored program it belongs to, 0 for none
+    std::function<void(bool arrived)> on_end{};  // called when it ends or is stopped
 };
 
 // The queue of planned segments; the first runs, the others follow it end to end.
@@ -86,6 +90,8 @@ public:
     bool paused() const { return paused_at_.has_value(); }
     const Segment* current() const { return queue_.empty() ? nullptr : &queue_.front(); }
     std::size_t size() const { return queue_.size(); }
+    // The stored program whose moves are queued, 0 for none.
+    int program() const;
     // Joints at `now`, which must not precede the last advance.
     Joints joints(SimTime now) const;
     // Where the last queued segment ends: the start of the next one.

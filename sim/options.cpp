@@ -1,5 +1,6 @@
 #include "options.h"
 
+#include <arpa/inet.h>
 #include <getopt.h>
 
 #include <charconv>
@@ -105,6 +106,15 @@ const Flag kFlags[] = {
     {nullptr, 0, "fault-seed", "N",
      [](Options& o, const char* v) { o.faults.seed = number("fault-seed", v, 0u, ~0u); },
      "seed of the drop decisions (default 1)"},
+    {"Record and replay (instead of simulating; one connection port, --port)", 0, "record", "FILE",
+     [](Options& o, const char* v) { o.record_path = v; },
+     "proxy the controller at --upstream and write every line both ways,\n"
+     "                              with its time, to FILE"},
+    {nullptr, 0, "upstream", "IP:PORT", [](Options& o, const char* v) { o.upstream = v; },
+     "the real controller that --record proxies"},
+    {nullptr, 0, "replay", "FILE", [](Options& o, const char* v) { o.replay_path = v; },
+     "answer each client as the session recorded in FILE; --speed-factor N\n"
+     "                              makes its pauses N times shorter"},
 };
 
 constexpr int kHelpCode = 'h';
@@ -118,11 +128,21 @@ std::vector<std::string> known_models() {
     return names;
 }
 
+void split_endpoint(const std::string& option, const std::string& text, std::string& ip, int& port) {
+    const std::size_t colon = text.rfind(':');
+    in_addr address{};
+    if (colon == std::string::npos || ::inet_pton(AF_INET, text.substr(0, colon).c_str(), &address) != 1)
+        throw UsageError("--" + option + ": expected IP:PORT such as 192.168.1.18:8080, got '" + text + "'");
+    ip = text.substr(0, colon);
+    port = number(option.c_str(), text.c_str() + colon + 1, 1, 65535);
+}
+
 std::string usage_text(const std::string& program) {
     std::ostringstream out;
     out << "Usage: " << program << " [options]\n"
         << "Simulates arm controllers: answers the command protocol on TCP, moves the arm in simulated time\n"
-        << "and pushes its realtime state over UDP. Stops on SIGINT or SIGTERM.\n";
+        << "and pushes its realtime state over UDP. Or records a session with a real controller, or\n"
+        << "replays one. Stops on SIGINT or SIGTERM.\n";
     for (const Flag& flag : kFlags) {
         if (flag.heading) out << '\n' << flag.heading << ":\n";
         std::string names = flag.letter ? std::string("  -") + flag.letter + ", --" : "      --";
@@ -170,6 +190,15 @@ Options parse_options(int argc, char** argv, bool& help) {
         throw UsageError("--model: '" + options.model + "' is no model this simulator knows (see --help)");
     if (options.port > 0 && options.port + options.arms - 1 > 65535)
         throw UsageError("--port: too high for the arms");
+    if (options.record_path.empty() != options.upstream.empty())
+        throw UsageError("--record and --upstream go together");
+    if (!options.record_path.empty() && !options.replay_path.empty())
+        throw UsageError("--record and --replay exclude each other");
+    if (!options.upstream.empty()) {
+        std::string ip;
+        int port = 0;
+        split_endpoint("upstream", options.upstream, ip, port);
+    }
     return options;
 }
 

@@ -46,6 +46,12 @@ struct Options {
     Faults faults;
     std::string log_path;   // every line in and out; "-" for standard error, "" for none
     std::string port_file;  // written with the first arm's port once listening
+
+    // Instead of simulating: proxy a real controller and record the session, or answer as a
+    // recording says.
+    std::string record_path;  // with upstream
+    std::string upstream;     // "IP:PORT" of the controller to record
+    std::string replay_path;
 };
 
 // A command line the simulator cannot run with; what() says why.
@@ -59,6 +65,8 @@ Options parse_options(int argc, char** argv, bool& help);
 std::string usage_text(const std::string& program);
 // The arm models the simulator can play, as product texts without the force suffix.
 std::vector<std::string> known_models();
+// "IP:PORT" into its parts; throws UsageError naming `option` when it is no IPv4 endpoint.
+void split_endpoint(const std::string& option, const std::string& text, std::string& ip, int& port);
 
 }  // namespace sim
 

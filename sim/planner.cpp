@@ -126,7 +126,7 @@ Plan plan_joint_move(const MotionLimits& limits, const Joints& from, const Joint
     Path path({from, to});
     double rate = kInfinity, accel = kInfinity;
     limit_by_joints(limits, path, fraction(percent), rate, accel);
-    return {Segment{kind, std::move(path), Profile(rate, accel), {}, 0}, {}};
+    return {Segment{.kind = kind, .path = std::move(path), .profile = Profile(rate, accel)}, {}};
 }
 
 Plan plan_cartesian(const MotionLimits& limits, const Kinematics& kinematics, const Joints& from,
@@ -163,7 +163,7 @@ Plan plan_cartesian(const MotionLimits& limits, const Kinematics& kinematics, co
     }
     Path path(std::move(samples));
     limit_by_joints(limits, path, share, rate, accel);
-    return {Segment{kind, std::move(path), Profile(rate, accel), {}, 0}, {}};
+    return {Segment{.kind = kind, .path = std::move(path), .profile = Profile(rate, accel)}, {}};
 }
 
 CartesianPath line_path(const Pose& from, const Pose& to) {

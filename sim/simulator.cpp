@@ -1,11 +1,6 @@
 #include "simulator.h"
 
 #include <arpa/inet.h>
-#include <netinet/in.h>
-#include <netinet/tcp.h>
-#include <signal.h>
-#include <sys/epoll.h>
-#include <sys/signalfd.h>
 #include <sys/socket.h>
 
 #include <cerrno>
@@ -19,46 +14,14 @@ namespace sim {
 
 namespace {
 
-constexpr int kBacklog = 16;
 constexpr int kPortAttempts = 32;
-
-std::system_error socket_error(const std::string& what) {
-    return std::system_error(errno, std::generic_category(), what);
-}
-
-sockaddr_in address(const std::string& ip, int port) {
-    sockaddr_in addr{};
-    addr.sin_family = AF_INET;
-    addr.sin_port = htons(static_cast<std::uint16_t>(port));
-    if (::inet_pton(AF_INET, ip.c_str(), &addr.sin_addr) != 1)
-        throw std::system_error(EINVAL, std::generic_category(), "not an IPv4 address: " + ip);
-    return addr;
-}
-
-int bound_port(int fd) {
-    sockaddr_in addr{};
-    socklen_t len = sizeof addr;
-    ::getsockname(fd, reinterpret_cast<sockaddr*>(&addr), &len);
-    return ntohs(addr.sin_port);
-}
-
-// A listening socket on ip:port, or an empty Fd with errno set.
-Fd listen_on(const std::string& ip, int port) {
-    Fd fd(::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
-    if (!fd) return fd;
-    const int one = 1;
-    ::setsockopt(fd.get(), SOL_SOCKET, SO_REUSEADDR, &one, sizeof one);
-    const sockaddr_in addr = address(ip, port);
-    if (::bind(fd.get(), reinterpret_cast<const sockaddr*>(&addr), sizeof addr) != 0 ||
-        ::listen(fd.get(), kBacklog) != 0)
-        return Fd();
-    return fd;
-}
+// A client that announced an upload and stops sending it for this long has given up.
+constexpr auto kUploadPatience = std::chrono::seconds(5);
 
 // A UDP port nothing is bound to right now.
 int free_udp_port(const std::string& ip) {
     Fd fd(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
-    const sockaddr_in addr = address(ip, 0);
+    const sockaddr_in addr = ipv4_address(ip, 0);
     if (!fd || ::bind(fd.get(), reinterpret_cast<const sockaddr*>(&addr), sizeof addr) != 0)
         throw socket_error("cannot find a free UDP port");
     return bound_port(fd.get());
@@ -74,7 +37,7 @@ Simulator::Simulator(const Options& options, NoteSink notes)
     for (std::span<const Command> family : command_families())
         for (const Command& command : family) commands_[command.name] = &command;
 
-    bind_ports();
+    std::vector<Fd> listening = bind_ports();
     udp_ = Fd(::socket(AF_INET, SOCK_DGRAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
     if (!udp_) throw socket_error("cannot open the push socket");
     datagrams_ = std::make_unique<std::atomic<std::uint64_t>[]>(static_cast<std::size_t>(options_.arms));
@@ -92,24 +55,25 @@ Simulator::Simulator(const Options& options, NoteSink notes)
         push.port = push_port;
         ArmHost& host = *this;
         arms_.push_back(std::make_unique<Arm>(i, *model, options_.generation, push, host));
-        loop_.watch(listeners_[static_cast<std::size_t>(i)].get(), EPOLLIN,
-                    [this, i](std::uint32_t) { accept(i); });
+        listeners_.push_back(std::make_unique<Listener>(
+            loop_, std::move(listening[static_cast<std::size_t>(i)]), "arm " + std::to_string(i + 1), log_,
+            [this, i](Fd client, const sockaddr_in& peer) { accept(i, std::move(client), peer); }));
         push_changed(i);
     }
-    if (options_.bind != "127.0.0.1")
-        log_.note("warning: listening on " + options_.bind +
-                  ": the protocol has no authentication, anyone who reaches this address can move the arms");
+    warn_unless_loopback(log_, options_.bind);
 }
 
 Simulator::~Simulator() {
+    listeners_.clear();
     connections_.clear();
     for (EventLoop::TimerId timer : push_timers_) loop_.cancel(timer);
     arms_.clear();
 }
 
-void Simulator::bind_ports() {
+std::vector<Fd> Simulator::bind_ports() {
+    std::vector<Fd> listening;
     for (int attempt = 0; attempt < kPortAttempts; ++attempt) {
-        listeners_.clear();
+        listening.clear();
         ports_.clear();
         for (int i = 0; i < options_.arms; ++i) {
             // Port 0: the first arm takes a free port, the others the ones after it.
@@ -117,12 +81,12 @@ void Simulator::bind_ports() {
             Fd fd = listen_on(options_.bind, wanted);
             if (!fd) break;
             ports_.push_back(bound_port(fd.get()));
-            listeners_.push_back(std::move(fd));
+            listening.push_back(std::move(fd));
         }
-        if (static_cast<int>(listeners_.size()) == options_.arms) return;
+        if (static_cast<int>(listening.size()) == options_.arms) return listening;
         if (options_.port != 0) break;
     }
-    const int failed = options_.port == 0 ? 0 : options_.port + static_cast<int>(listeners_.size());
+    const int failed = options_.port == 0 ? 0 : options_.port + static_cast<int>(listening.size());
     throw socket_error("cannot listen on " + options_.bind + ":" + std::to_string(failed));
 }
 
@@ -132,17 +96,6 @@ void Simulator::run() {
 
 void Simulator::stop() {
     loop_.stop();
-}
-
-void Simulator::stop_on_signals() {
-    sigset_t signals;
-    sigemptyset(&signals);
-    sigaddset(&signals, SIGINT);
-    sigaddset(&signals, SIGTERM);
-    ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-    signal_fd_ = Fd(::signalfd(-1, &signals, SFD_NONBLOCK | SFD_CLOEXEC));
-    if (!signal_fd_) throw socket_error("signalfd");
-    loop_.watch(signal_fd_.get(), EPOLLIN, [this](std::uint32_t) { stop(); });
 }
 
 std::uint64_t Simulator::datagrams_sent() const {
@@ -176,44 +129,28 @@ ArmView Simulator::view(int arm) {
     return taken.get_future().get();
 }
 
-void Simulator::accept(int arm) {
-    for (;;) {
-        sockaddr_in peer{};
-        socklen_t len = sizeof peer;
-        const int listener = listeners_[static_cast<std::size_t>(arm)].get();
-        Fd fd(::accept4(listener, reinterpret_cast<sockaddr*>(&peer), &len, SOCK_NONBLOCK | SOCK_CLOEXEC));
-        if (!fd && (errno == EMFILE || errno == ENFILE || errno == ENOBUFS || errno == ENOMEM)) {
-            // The waiting client stays readable: listen again a little later instead of spinning.
-            log_.note("arm " + std::to_string(arm + 1) + ": cannot accept a client now (out of descriptors)");
-            loop_.unwatch(listener);
-            loop_.at(EventLoop::Clock::now() + std::chrono::seconds(1), [this, arm, listener] {
-                loop_.watch(listener, EPOLLIN, [this, arm](std::uint32_t) { accept(arm); });
-            });
-            return;
-        }
-        if (!fd) return;
-        const int one = 1;
-        ::setsockopt(fd.get(), IPPROTO_TCP, TCP_NODELAY, &one, sizeof one);
-        const int id = next_connection_++;
-        char ip[INET_ADDRSTRLEN] = "?";
-        ::inet_ntop(AF_INET, &peer.sin_addr, ip, sizeof ip);
-        log_.note("arm " + std::to_string(arm + 1) + ": client #" + std::to_string(id) + " from " + ip + ":" +
-                  std::to_string(ntohs(peer.sin_port)));
-        connections_[id] = std::make_unique<Connection>(
-            loop_, std::move(fd), arm, id, options_.faults, log_,
-            [this](Connection& from, std::string_view line) { serve(from, line); },
-            [this](Connection& closed) {
-                log_.note("arm " + std::to_string(closed.arm() + 1) + ": client #" +
-                          std::to_string(closed.id()) + " gone");
-                // Not here: the connection is still inside its own callback.
-                loop_.post([this, id = closed.id()] { connections_.erase(id); });
-            });
-    }
+void Simulator::accept(int arm, Fd client, const sockaddr_in& peer) {
+    const int id = next_connection_++;
+    log_.note("arm " + std::to_string(arm + 1) + ": client #" + std::to_string(id) + " from " + address_text(peer));
+    connections_[id] = std::make_unique<Connection>(
+        loop_, std::move(client), arm, id, options_.faults, log_,
+        [this](Connection& from, std::string_view line) { serve(from, line); },
+        [this](Connection& closed) {
+            log_.note("arm " + std::to_string(closed.arm() + 1) + ": client #" + std::to_string(closed.id()) +
+                      " gone");
+            // Not here: the connection is still inside its own callback.
+            loop_.post([this, id = closed.id()] { connections_.erase(id); });
+        });
 }
 
 void Simulator::broadcast(int arm, const std::string& line) {
     for (const auto& [id, connection] : connections_)
         if (connection->arm() == arm) connection->send(line);
+}
+
+void Simulator::send_to(int connection, const std::string& line) {
+    auto it = connections_.find(connection);
+    if (it != connections_.end()) it->second->send(line);
 }
 
 void Simulator::serve(Connection& from, std::string_view line) {
@@ -238,17 +175,31 @@ void Simulator::serve(Connection& from, std::string_view line) {
         return;
     }
     const Command& command = *found->second;
-    Call call(arm, request.get(), command.reply_key ? command.reply_key : command.name);
+    Call call(arm, request.get(), command.reply_key ? command.reply_key : command.name, from.id());
     try {
         command.run(call);
     } catch (const BadRequest& bad) {
         call.refuse(bad.what());
         call.reply.set("error", bad.what());
+        call.deferred = false;
+        call.then.clear();
+        call.upload.reset();
     }
     if (!call.refusal.empty()) log_.note(who + command.name + " refused: " + call.refusal);
-    if (!command.reply_key) return;  // streamed
-    if (command.verdict) call.reply.set(command.verdict, call.accepted);
-    from.reply(call.reply.text());
+    if (command.reply_key && !call.deferred) {  // else streamed, or answered later
+        if (command.verdict) call.reply.set(command.verdict, call.accepted);
+        from.reply(call.reply.text());
+    }
+    for (const std::string& next : call.then) from.send(next);
+    if (call.upload) take_upload(from, arm, std::move(*call.upload));
+}
+
+void Simulator::take_upload(Connection& from, Arm& arm, Upload upload) {
+    from.read_raw(upload.bytes, kUploadPatience,
+                  [&arm, upload = std::move(upload)](Connection& to, std::optional<std::string_view> bytes) {
+                      arm.settle();
+                      to.reply(bytes ? upload.answer(*bytes) : upload.incomplete);
+                  });
 }
 
 void Simulator::push_changed(int arm) {
@@ -279,15 +230,6 @@ void Simulator::push(int arm) {
     push_due_[i] += cycle;
     if (push_due_[i] <= now) push_due_[i] = now + cycle;
     push_timers_[i] = loop_.at(push_due_[i], [this, arm] { push(arm); });
-}
-
-SimulatorThread::SimulatorThread(const Options& options, NoteSink notes)
-    : simulator_(std::make_unique<Simulator>(options, std::move(notes))),
-      thread_([this] { simulator_->run(); }) {}
-
-SimulatorThread::~SimulatorThread() {
-    simulator_->stop();
-    thread_.join();
 }
 
 }  // namespace sim

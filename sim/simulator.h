@@ -5,19 +5,17 @@
 //     sim::Options options;
 //     options.port = 0;           // free ports
 //     options.speed_factor = 10;  // moves ten times faster than real
-//     sim::SimulatorThread simulator(options);
+//     sim::SimulatorThread simulator(options);  // serving on a thread of its own
 //     qm_create_robot_arm("127.0.0.1", simulator->port(0));
 #ifndef QM_SIM_SIMULATOR_H
 #define QM_SIM_SIMULATOR_H
 
 #include <atomic>
 #include <cstdint>
-#include <functional>
 #include <map>
 #include <memory>
 #include <string>
 #include <string_view>
-#include <thread>
 #include <unordered_map>
 #include <vector>
 
@@ -25,11 +23,14 @@
 #include "connection.h"
 #include "event_loop.h"
 #include "log.h"
+#include "net.h"
 #include "options.h"
+#include "server_thread.h"
 
 namespace sim {
 
 struct Command;
+struct Upload;
 
 // What a test or an operator may see of an arm from another thread.
 struct ArmView {
@@ -55,10 +56,10 @@ public:
     void run();
     void stop();
     // Makes SIGINT and SIGTERM stop the simulator; call before starting other threads.
-    void stop_on_signals();
+    void stop_on_signals() { loop_.stop_on_signals(); }
 
     int arms() const { return static_cast<int>(arms_.size()); }
-    int port(int arm) const { return ports_.at(static_cast<std::size_t>(arm)); }
+    int port(int arm = 0) const { return ports_.at(static_cast<std::size_t>(arm)); }
     // The push destination an arm starts with.
     int push_port(int arm) const { return push_ports_.at(static_cast<std::size_t>(arm)); }
     const Options& options() const { return options_; }
@@ -71,21 +72,23 @@ public:
 private:
     // ArmHost
     void broadcast(int arm, const std::string& line) override;
+    void send_to(int connection, const std::string& line) override;
     EventLoop& loop() override { return loop_; }
     const SimClock& clock() const override { return clock_; }
     void push_changed(int arm) override;
     void note(const std::string& text) override { log_.note(text); }
 
-    void bind_ports();
-    void accept(int arm);
+    std::vector<Fd> bind_ports();
+    void accept(int arm, Fd client, const sockaddr_in& peer);
     void serve(Connection& from, std::string_view line);
+    void take_upload(Connection& from, Arm& arm, Upload upload);
     void push(int arm);
 
     Options options_;
     Log log_;
     EventLoop loop_;
     SimClock clock_;
-    std::vector<Fd> listeners_;
+    std::vector<std::unique_ptr<Listener>> listeners_;
     std::vector<int> ports_;
     std::vector<int> push_ports_;
     std::vector<std::unique_ptr<Arm>> arms_;
@@ -94,27 +97,12 @@ private:
     int next_connection_ = 1;
 
     Fd udp_;
-    Fd signal_fd_;
     std::vector<EventLoop::TimerId> push_timers_;
     std::vector<EventLoop::Clock::time_point> push_due_;
     std::unique_ptr<std::atomic<std::uint64_t>[]> datagrams_;
 };
 
-// Runs a simulator on a thread of its own for as long as it lives (tests, benchmarks).
-class SimulatorThread {
-public:
-    explicit SimulatorThread(const Options& options, NoteSink notes = {});
-    ~SimulatorThread();
-    SimulatorThread(const SimulatorThread&) = delete;
-    SimulatorThread& operator=(const SimulatorThread&) = delete;
-
-    Simulator& operator*() { return *simulator_; }
-    Simulator* operator->() { return simulator_.get(); }
-
-private:
-    std::unique_ptr<Simulator> simulator_;
-    std::thread thread_;
-};
+using SimulatorThread = ServerThread<Simulator>;
 
 }  // namespace sim
 

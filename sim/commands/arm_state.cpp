@@ -1,5 +1,5 @@
 // Arm state and information: joint state, end pose and errors, software versions, the
-// initial pose, the installation angles, the DH table and the trajectory being run.
+// initial pose and the trajectory being run.
 #include "command.h"
 #include "lib_version.h"
 #include "telemetry.h"
@@ -83,23 +83,7 @@ void get_init_pose(Call& call) {
     call.reply.ints("init_pose", of_dof(call, call.arm.state.init_pose));
 }
 
-void get_install_pose(Call& call) {
-    call.reply.ints("pose", call.arm.state.install);
-}
-
-// One row per joint: twist and offset in thousandths of a radian, lengths in micrometres.
-void get_DH_data(Call& call) {
-    static constexpr const char* kRows[] = {"joint_1", "joint_2", "joint_3", "joint_4",
-                                            "joint_5", "joint_6", "joint_7"};
-    const ArmModel::Dh& dh = call.arm.model().dh;
-    for (int j = 0; j < call.arm.dof(); ++j) {
-        const int row[] = {wire::round(dh.alpha[j] * 1e3), wire::round(dh.a[j] * 1e6),
-                           wire::round(dh.d[j] * 1e6), wire::round(dh.offset[j] * 1e3)};
-        call.reply.ints(kRows[j], row);
-    }
-}
-
-// The running move's type and target; with nothing planned (or a jog) the present joints.
+// The running move's type and target; with nothing planned, a jog or a replay the present joints.
 void get_arm_current_trajectory(Call& call) {
     const Segment* running = call.arm.trajectory().current();
     const char* type = "none";
@@ -117,12 +101,16 @@ void get_arm_current_trajectory(Call& call) {
             case MoveKind::spline:
                 type = "moves";
                 break;
+            case MoveKind::replay:
+                type = "re_trajectory";
+                break;
             case MoveKind::jog:
                 break;
         }
     }
     call.reply.set("type", type);
-    if (type == std::string("none"))
+    // A replay shows where it is; the others their targets.
+    if (!running || running->kind == MoveKind::jog || running->kind == MoveKind::replay)
         call.reply.ints("data", of_dof(call, wire::joints(call.arm.joints(), call.arm.dof())));
     else
         call.reply.ints("data", running->reported);
@@ -138,8 +126,6 @@ const Command kCommands[] = {
     {"get_arm_all_state", "arm_all_state", nullptr, get_arm_all_state},
     {"set_init_pose", "set_init_pose", "init_pose", set_init_pose},
     {"get_init_pose", "arm_init_pose", nullptr, get_init_pose},
-    {"get_install_pose", "install_pose", nullptr, get_install_pose},
-    {"get_DH_data", "get_DH_data", nullptr, get_DH_data},
     {"get_arm_current_trajectory", "arm_current_trajectory", nullptr, get_arm_current_trajectory},
 };
 const CommandFamily kFamily(kCommands);

@@ -111,7 +111,7 @@ void set_joint_zero_pos(Call& call) {
     if (!call.arm.trajectory().idle()) return call.refuse("the arm is moving");
     Joints q = call.arm.joints();
     q[joint] = 0.0;
-    call.arm.place(q, false);
+    call.arm.place(q, "idle");
 }
 
 void set_joint_clear_err(Call& call) {

@@ -83,19 +83,9 @@ void movec(Call& call) {
 
 // ---- pass-through and follow: no reply, the arm is there at once ----
 
-void place_joints(Call& call) {
-    const Joints target = joint_target(call.args, "joint", call.arm.dof());
-    if (int joint = joint_outside(call.arm.motion_limits(), target))
-        return call.refuse("joint " + std::to_string(joint) + " target outside its limits");
-    call.arm.place(target, false);
-}
-
-void place_pose(Call& call) {
-    const Pose target = streamed_pose(call.args);
-    Joints joints{};
-    if (call.arm.kinematics().inverse(target, call.arm.joints(), joints) != IKINE_SUCCESSFUL)
-        return call.refuse("target out of reach");
-    call.arm.place(joints, true);
+void place(Call& call) {
+    const char* status = call.args.has("joint") ? "move_through_joint" : "move_through_pose";
+    if (std::optional<Joints> target = streamed_target(call)) call.arm.place(*target, status);
 }
 
 const Command kCommands[] = {
@@ -105,10 +95,10 @@ const Command kCommands[] = {
     {"movel_offset", "movel_offset", "receive_state", movel_offset},
     {"moves", "moves", "receive_state", moves},
     {"movec", "movec", "receive_state", movec},
-    {"movej_canfd", nullptr, nullptr, place_joints},
-    {"movej_follow", nullptr, nullptr, place_joints},
-    {"movep_canfd", nullptr, nullptr, place_pose},
-    {"movep_follow", nullptr, nullptr, place_pose},
+    {"movej_canfd", nullptr, nullptr, place},
+    {"movej_follow", nullptr, nullptr, place},
+    {"movep_canfd", nullptr, nullptr, place},
+    {"movep_follow", nullptr, nullptr, place},
 };
 const CommandFamily kFamily(kCommands);
 

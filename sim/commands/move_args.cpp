@@ -38,6 +38,25 @@ Pose streamed_pose(const Args& args) {
     return pose_of(pose_quat_to_transformation_matrix(position, q));
 }
 
+std::optional<Joints> streamed_target(Call& call) {
+    Joints target{};
+    if (call.args.has("joint")) {
+        target = joint_target(call.args, "joint", call.arm.dof());
+        if (int joint = joint_outside(call.arm.motion_limits(), target)) {
+            call.refuse("joint " + std::to_string(joint) + " target outside its limits");
+            return std::nullopt;
+        }
+    } else if (call.arm.kinematics().inverse(streamed_pose(call.args), call.arm.joints(), target) != IKINE_SUCCESSFUL) {
+        call.refuse("target out of reach");
+        return std::nullopt;
+    }
+    if (std::string why = call.arm.held(); !why.empty()) {
+        call.refuse(why);
+        return std::nullopt;
+    }
+    return target;
+}
+
 Start planning_start(const Arm& arm) {
     const Joints q = arm.trajectory().planned_end();
     return {q, arm.kinematics().forward(q)};
@@ -52,8 +71,14 @@ std::vector<int> shown_pose(const Pose& target) {
     return {w.begin(), w.end()};
 }
 
+Segment replay_of(const std::vector<Joints>& points) {
+    return Segment{.kind = MoveKind::replay,
+                   .path = Path(points),
+                   .profile = Profile::lasting(kSamplePeriod * static_cast<double>(points.size() - 1))};
+}
+
 void queue_move(Call& call, Plan plan, int connect, std::vector<int> shown) {
-    if (std::string why = call.arm.move(std::move(plan), connect, std::move(shown)); !why.empty())
+    if (std::string why = call.arm.move(std::move(plan), connect, std::move(shown), call.program); !why.empty())
         call.refuse(why);
 }
 

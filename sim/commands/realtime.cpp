@@ -1,6 +1,4 @@
 // The realtime push configuration: period, destination, and the optional sections.
-#include <arpa/inet.h>
-
 #include "command.h"
 #include "datagram.h"
 
@@ -16,10 +14,9 @@ void set_realtime_push(Call& call) {
     config.cycle_ms = call.args.integer("cycle");
     config.port = call.args.integer("port");
     config.ip = call.args.text("ip", 15);
-    in_addr address{};
     if (config.cycle_ms < 1 || config.cycle_ms > kMaxCycle) return call.refuse("cycle outside 1..10000 ms");
     if (config.port < 1 || config.port > 65535) return call.refuse("port outside 1..65535");
-    if (::inet_pton(AF_INET, config.ip.c_str(), &address) != 1)
+    if (!is_ipv4(config.ip))
         return call.refuse("not an IPv4 address: " + config.ip);
     // The request spells it "cordinate".
     if (call.args.has("force_cordinate")) {

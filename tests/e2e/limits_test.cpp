@@ -5,12 +5,7 @@
 namespace e2e {
 namespace {
 
-class Limits : public ::testing::Test {
-protected:
-    Limits() : session_(QM_DUAL_MODE_E, fast_options()) {}
-    qm_robot_handle* arm() const { return session_.arm(); }
-    Session session_;
-};
+class Limits : public OneArm {};
 
 using Setter = std::function<int(qm_robot_handle*)>;
 using Getter = std::function<int(qm_robot_handle*, float*)>;

@@ -52,6 +52,14 @@ private:
     std::vector<qm_robot_handle*> arms_;
 };
 
+// One QM65-B in dual mode, for the suites that need nothing else.
+class OneArm : public ::testing::Test {
+protected:
+    OneArm() : session_(QM_DUAL_MODE_E, fast_options()) {}
+    qm_robot_handle* arm() const { return session_.arm(); }
+    Session session_;
+};
+
 // A session per thread mode for the suites that run in both.
 class BothModes : public ::testing::TestWithParam<qm_thread_mode_e> {
 protected:

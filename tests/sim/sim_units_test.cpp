@@ -89,6 +89,10 @@ TEST(Options, CommandLineIsReadAsDocumented) {
     EXPECT_EQ(o.push.cycle_ms, 1);
     EXPECT_EQ(o.faults.split_at, (std::vector<int>{3, 9}));
     EXPECT_EQ(o.faults.drop_replies, 0.25);
+    const sim::Options recording = parse({"--record", "/tmp/r.txt", "--upstream", "192.168.1.18:8080"}, help);
+    EXPECT_EQ(recording.record_path, "/tmp/r.txt");
+    EXPECT_EQ(recording.upstream, "192.168.1.18:8080");
+    EXPECT_EQ(parse({"--replay", "/tmp/r.txt", "-p", "0"}, help).replay_path, "/tmp/r.txt");
     parse({"--help"}, help);
     EXPECT_TRUE(help);
     EXPECT_NE(sim::usage_text("qm_sim").find("--fault-close-after"), std::string::npos);
@@ -100,6 +104,11 @@ TEST(Options, CommandLineIsReadAsDocumented) {
                                                {"--generation", "5"},
                                                {"--port", "65535", "--arms", "2"},
                                                {"--fault-drop", "2"},
+                                               {"--record", "r.txt"},
+                                               {"--upstream", "192.168.1.18:8080"},
+                                               {"--record", "r.txt", "--upstream", "192.168.1.18"},
+                                               {"--record", "r.txt", "--upstream", "host:8080"},
+                                               {"--record", "r", "--upstream", "1.2.3.4:1", "--replay", "r"},
                                                {"--bogus"},
                                                {"stray"},
                                                {"--port"}}) {
