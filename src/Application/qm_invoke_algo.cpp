@@ -2,6 +2,7 @@
 #include "qm_invoke_algo.h"
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 
 #include "qman_inv_kinematics.h"
@@ -53,15 +54,6 @@ void pose_of(const Coord& c, qm_frame_t* frame) {
     frame->pose.quaternion = {q.w, q.x, q.y, q.z};
 }
 
-// The public records and the library's share their member names and layout, so one copy
-// serves both directions.
-template <class To, class From>
-To pose_copy(const From& p) {
-    return {{p.position.x, p.position.y, p.position.z},
-            {p.quaternion.w, p.quaternion.x, p.quaternion.y, p.quaternion.z},
-            {p.euler.rx, p.euler.ry, p.euler.rz}};
-}
-
 template <class To, class From>
 To matrix_copy(const From& m) {
     To out;
@@ -79,6 +71,11 @@ void copy_dh_rows(const From& from, To& to) {
     std::copy(std::begin(from.offset), std::end(from.offset), to.offset);
 }
 
+std::atomic<uint64_t> loaded_generation{0};
+
+// Anything configured through the bridge replaces what a connection's configuration loaded.
+void configured_by_hand() { loaded_generation.store(0, std::memory_order_relaxed); }
+
 void record_solve_time(double ms) {
     static bool timed = false;
     if (!timed || ms < invoke_inverse_time_total_min) invoke_inverse_time_total_min = ms;
@@ -87,8 +84,6 @@ void record_solve_time(double ms) {
 }
 
 }  // namespace
-
-int invoke_dof() { return std::clamp(libalgo_get_rbt_dof(), 0, ROBOT_DOF); }
 
 void invoke_joints_to_rad(const float* deg, float* rad) {
     std::fill(rad, rad + ROBOT_DOF, 0.0f);
@@ -124,12 +119,19 @@ SensorType invoke_sensor_type(int type) {
     }
 }
 
+uint64_t invoke_loaded_generation() { return loaded_generation.load(std::memory_order_relaxed); }
+void invoke_set_loaded_generation(uint64_t generation) {
+    loaded_generation.store(generation, std::memory_order_relaxed);
+}
+
 int invoke_init_sys_data(qm_robot_arm_model_e model, qm_force_type_e type) {
-    libalgo_init();
+    configured_by_hand();
+    // libalgo_init would load QM65 only for the pair to clear it again at once.
     return libalgo_set_robot_and_sensor_type(invoke_robot_type(model), invoke_sensor_type(type));
 }
 
 void invoke_set_install_angle(float x, float y, float z) {
+    configured_by_hand();
     angleU = deg_to_rad(x);
     angleV = deg_to_rad(y);
     angleH = deg_to_rad(z);
@@ -145,13 +147,20 @@ void invoke_get_install_angle(float* x, float* y, float* z) {
     if (z != nullptr) *z = rad_to_deg(angle[2]);
 }
 
-void invoke_set_work_frame(const qm_frame_t& frame) { libalgo_set_work_cs_params(coord_of(frame)); }
+void invoke_set_work_frame(const qm_frame_t& frame) {
+    configured_by_hand();
+    libalgo_set_work_cs_params(coord_of(frame));
+}
 void invoke_get_work_frame(qm_frame_t* frame) { pose_of(libalgo_get_work_cs_params(), frame); }
-void invoke_set_tool_frame(const qm_frame_t& frame) { libalgo_set_tool_cs_params(coord_of(frame)); }
+void invoke_set_tool_frame(const qm_frame_t& frame) {
+    configured_by_hand();
+    libalgo_set_tool_cs_params(coord_of(frame));
+}
 void invoke_get_tool_frame(qm_frame_t* frame) { pose_of(libalgo_get_tool_cs_params(), frame); }
 
 void invoke_set_joint_limit(JointLimit which, const float* value) {
     if (value == nullptr) return;
+    configured_by_hand();
     const LimitAccess& access = access_of(which);
     float lib[ROBOT_DOF];
     access.get(lib);
@@ -170,6 +179,7 @@ void invoke_get_joint_limit(JointLimit which, float* value) {
 }
 
 void invoke_set_dh(const qm_dh_t& dh) {
+    configured_by_hand();
     DH lib;
     libalgo_get_dh_value(&lib);
     copy_dh_rows(dh, lib);
@@ -184,8 +194,6 @@ qm_dh_t invoke_get_dh() {
     return dh;
 }
 
-Pose invoke_to_pose(const qm_pose_t& p) { return pose_copy<Pose>(p); }
-qm_pose_t invoke_from_pose(const Pose& p) { return pose_copy<qm_pose_t>(p); }
 Matrix invoke_to_matrix(const qm_matrix_t& m) { return matrix_copy<Matrix>(m); }
 qm_matrix_t invoke_from_matrix(const Matrix& m) { return matrix_copy<qm_matrix_t>(m); }
 

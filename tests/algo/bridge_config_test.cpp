@@ -213,4 +213,35 @@ TEST_F(BridgeConfig, ConnectedHandleLoadsTheArmsModelFramesLimitsAndTable) {
     expect_flange_from_the_table_in_use({10, 20, 30, 40, 50, 60}, false);
 }
 
+// A handle's configuration is loaded again only when the connection's stored configuration or
+// the bridge's own setters changed it: the library record is otherwise left as it is.
+TEST_F(BridgeConfig, HandleReloadsOnlyWhenTheConfigurationChanged) {
+    qm_test::FakeController controller;
+    qm_test::ArmSession session(controller);
+    qm_robot_handle* arm = session.handle();
+    ASSERT_NE(arm, nullptr);
+    const auto flange_height = [&](qm_robot_handle* h) { return qm_algo_forward_kinematics(h, Joints{}.data()).position.z; };
+    EXPECT_NEAR(flange_height(arm), 0.8505f, 1e-4f);
+
+    libalgo_set_control_loop_period(0.004f);  // outside the stored configuration: a reload would reset it
+    EXPECT_NEAR(flange_height(arm), 0.8505f, 1e-4f);
+    EXPECT_FLOAT_EQ(libalgo_get_control_loop_period(), 0.004f);
+
+    qm_frame_t tool{};
+    tool.pose.position.z = 0.3f;
+    qm_algo_set_toolframe(&tool);
+    EXPECT_NEAR(flange_height(nullptr), 0.8505f + 0.3f, 1e-4f);
+    EXPECT_NEAR(flange_height(arm), 0.8505f, 1e-4f) << "the bridge's own setting is replaced";
+    EXPECT_FLOAT_EQ(libalgo_get_control_loop_period(), 0.002f);
+
+    libalgo_set_control_loop_period(0.004f);
+    controller.reply("get_current_tool_frame",
+                     R"({"command":"current_tool_frame","tool_name":"Gripper","pose":[0,0,100000,0,0,0],)"
+                     R"("payload":0,"position":[0,0,0]})");
+    qm_frame_t stored{};
+    ASSERT_EQ(qm_get_current_tool_frame(arm, &stored), 0);
+    EXPECT_NEAR(flange_height(arm), 0.8505f + 0.1f, 1e-4f) << "the connection's new tool frame is loaded";
+    EXPECT_FLOAT_EQ(libalgo_get_control_loop_period(), 0.002f);
+}
+
 }  // namespace

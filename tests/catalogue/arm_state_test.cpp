@@ -21,9 +21,10 @@ TEST_F(ArmState, JointQueriesDivideEachOfTheDofValuesByOneThousand) {
     };
     for (const auto& [get, command, reply] : rows) {
         SCOPED_TRACE(command);
+        const auto query = get;  // a lambda may not capture a structured binding before clang 16
         controller.reply(command, reply + "[25000,-1,1500,0,7,1000000]}");
         float out[ARM_DOF] = {-9, -9, -9, -9, -9, -9, -9};
-        EXPECT_EQ(fresh(ON_ARM(get(h, out))), 0);
+        EXPECT_EQ(fresh(ON_ARM(query(h, out))), 0);
         EXPECT_EQ(first_line(), R"({"command":")" + command + R"("})");
         EXPECT_EQ(std::vector<float>(out, out + ARM_DOF),
                   (std::vector<float>{25.0f, -0.001f, 1.5f, 0.0f, 0.007f, 1000.0f, -9.0f}));

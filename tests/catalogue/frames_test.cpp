@@ -178,8 +178,8 @@ TEST_F(Frames, NameListsStopAtNullKeepFullFieldsTerminatedAndNeedAList) {
         controller.reply(command, reply);
         qm_frame_name_t names[100] = {};
         int count = 42;
-        EXPECT_EQ(fresh(ON_ARM((tool ? qm_get_total_tool_frame : qm_get_total_work_frame)(h, names, &count))),
-                  result);
+        const auto list = tool ? qm_get_total_tool_frame : qm_get_total_work_frame;
+        EXPECT_EQ(fresh(ON_ARM(list(h, names, &count))), result);
         EXPECT_EQ(first_line(), R"({"command":")" + command + R"("})");
         EXPECT_EQ(count, len);
         EXPECT_EQ(std::string(names[0].name) + "," + names[1].name, first_names);

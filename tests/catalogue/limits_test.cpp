@@ -87,7 +87,8 @@ TEST_F(Limits, JointLimitGettersScaleBackEveryJoint) {
         SCOPED_TRACE(command);
         controller.reply(command, reply + "[30000,15000,1,0,-6000,1000]}");
         float out[ARM_DOF] = {-1, -1, -1, -1, -1, -1, -1};
-        EXPECT_EQ(fresh(ON_ARM(get(h, out))), 0);
+        const auto query = get;  // a lambda may not capture a structured binding before clang 16
+        EXPECT_EQ(fresh(ON_ARM(query(h, out))), 0);
         EXPECT_EQ(first_line(), R"({"command":")" + command + R"("})");
         for (int i = 0; i < 6; ++i) EXPECT_FLOAT_EQ(out[i], wire[i] * factor) << "joint " << i;
         EXPECT_EQ(out[6], -1.0f) << "a six-joint arm writes six values";

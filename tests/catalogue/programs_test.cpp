@@ -330,8 +330,9 @@ TEST_F(Programs, UploadRefusalsAndFailures) {
         {project_for(dir.path.string()), -5, "Failed to get file size\n"},
         {project_for("p.txt", 1), -4, "File name check error!\n"},
     };
-    for (const auto& [project, expected, message] : refused) {
+    for (const auto& [refused_project, expected, message] : refused) {
         SCOPED_TRACE(message);
+        const qm_send_project_t project = refused_project;  // a lambda may not capture a binding
         EXPECT_EQ(fresh(ON_ARM(qm_send_project(h, project, &err_line))), expected);
         EXPECT_TRUE(log.contains(message));
     }

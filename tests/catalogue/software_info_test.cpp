@@ -29,7 +29,7 @@ TEST_F(SoftwareInfo, TheProductTextSetsModelDofAndForceType) {
         SCOPED_TRACE(product);
         ASSERT_EQ(query(R"("Product_version":")" + std::string(product) + R"(")"), 0);
         EXPECT_STREQ(info.product_version, product);
-        record([&](qm_handle_t& r) {
+        record([model = model, dof = dof, force = force](qm_handle_t& r) {
             EXPECT_EQ(r.arm_model, model);
             EXPECT_EQ(r.arm_dof, dof);
             EXPECT_EQ(r.force_type, force);
@@ -59,7 +59,7 @@ TEST_F(SoftwareInfo, ANonStandardArmLearnsItsDofFromThePresentJoints) {
         controller.reply("get_arm_current_trajectory",
                          std::string(R"({"command":"arm_current_trajectory",)") + trajectory + "}");
         ASSERT_EQ(query(R"("Product_version":"ECO63-B")"), 0);
-        record([&](qm_handle_t& r) {
+        record([dof = dof](qm_handle_t& r) {
             EXPECT_EQ(r.arm_model, QM_MODEL_UNIVERSAL_E);
             EXPECT_EQ(r.arm_dof, dof);
             EXPECT_EQ(r.force_type, QM_MODEL_QM_B_E);

@@ -116,7 +116,7 @@ TEST_F(Mailbox, UncollectedLineIsOverwrittenAfterFiftyLaterArrivals) {
 
 TEST_F(Mailbox, FullMailboxGivesUpItsOldestEntryAndThenDropsTheLine) {
     // The fortieth line reaches the last entry, which first clears the oldest one.
-    for (int i = 0; i < SOCKET_FIFO_MAX; ++i) file_state("k" + std::to_string(i));
+    for (int i = 0; i < SOCKET_FIFO_MAX; ++i) file_state(std::string("k").append(std::to_string(i)));
     EXPECT_EQ(used_entries(), SOCKET_FIFO_MAX - 1);
     EXPECT_EQ(take("k0"), "");
     EXPECT_EQ(min_index.load(), 0);

@@ -71,11 +71,13 @@ Pose algo_cartesian_tool(const float* curr_joint, float dx, float dy, float dz) 
     if (curr_joint == nullptr) return Pose{};
     float q[ROBOT_DOF];
     joints_to_rad(curr_joint, q);
-    // The tool pose as forward_kinematics reports it (work frame), stepped along its own axes.
-    const Matrix tool = matrix_m(libalgo_get_robot_install_angle_matrix(),
-                                 matrix_m(forward_kinematics_e(q), libalgo_get_tool_cs_matrix()));
-    const Matrix stepped = matrix_m(libalgo_get_work_cs_to_base_matrix(), matrix_m(tool, translation(dx, dy, dz)));
-    return transformation_matrix_to_pose(stepped);
+    // The tool pose exactly as forward_kinematics reports it (work frame), moved along its own axes.
+    Pose pose = forward_kinematics(q);
+    const Matrix r = quat_to_matrix(pose.quaternion);
+    pose.position.x += r.data[0][0] * dx + r.data[0][1] * dy + r.data[0][2] * dz;
+    pose.position.y += r.data[1][0] * dx + r.data[1][1] * dy + r.data[1][2] * dz;
+    pose.position.z += r.data[2][0] * dx + r.data[2][1] * dy + r.data[2][2] * dz;
+    return pose;
 }
 
 Pose algo_rotate_move(const float* curr_joint, int rotate_axis, float rotate_angle, Pose choose_axis) {

@@ -56,8 +56,14 @@ DhChain::DhChain(const DH& dh, int dof, bool standard)
 }
 
 Frame3 DhChain::flange(const double* q) const {
-    double unused[6][ROBOT_DOF];
-    return flange(q, unused);
+    Frame3 f = {{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}, {0, 0, 0}};
+    for (int i = 0; i < dof_; ++i) {
+        const Link& l = link_[i];
+        if (!standard_) twist_and_length(f, l.ca, l.sa, l.a);
+        turn_and_depth(f, q[i] + l.offset, l.d);
+        if (standard_) twist_and_length(f, l.ca, l.sa, l.a);
+    }
+    return f;
 }
 
 Frame3 DhChain::flange(const double* q, double jac[6][ROBOT_DOF]) const {
@@ -85,11 +91,10 @@ Frame3 DhChain::flange(const double* q, double jac[6][ROBOT_DOF]) const {
     return f;
 }
 
-Matrix chain_flange(const DH& dh, const float* q, int dof, bool standard) {
-    const DhChain chain(dh, dof, standard);
+Matrix DhChain::flange_matrix(const float* q) const {
     double joints[ROBOT_DOF] = {};
-    for (int i = 0; i < chain.dof(); ++i) joints[i] = q[i];
-    const Frame3 f = chain.flange(joints);
+    for (int i = 0; i < dof_; ++i) joints[i] = q[i];
+    const Frame3 f = flange(joints);
     Matrix m{};
     m.irow = m.iline = 4;
     for (int i = 0; i < 3; ++i) {
@@ -98,6 +103,10 @@ Matrix chain_flange(const DH& dh, const float* q, int dof, bool standard) {
     }
     m.data[3][3] = 1.0f;
     return m;
+}
+
+Matrix chain_flange(const DH& dh, const float* q, int dof, bool standard) {
+    return DhChain(dh, dof, standard).flange_matrix(q);
 }
 
 }  // namespace algo

@@ -38,7 +38,7 @@ constexpr TableShape kLUX = shape(6, false, {0, kQ, 0, 0, kQ, -kQ}, {0, 1, 4, 5}
 constexpr TableShape kQM75 = shape(7, true, {-kQ, kQ, -kQ, kQ, -kQ, kQ, 0}, {0, 1, 2, 3, 4, 5, 6}, {1, 3, 5});
 constexpr TableShape kTAV = shape(7, false, {0, -kQ, kQ, -kQ, kQ, -kQ, kQ}, {0, 1, 2, 3, 4, 5, 6}, {1, 3, 5});
 
-bool g_table_in_use_nominal = false;  // the cleared record's all-zero table is not
+DhChain g_table_in_use_chain;
 
 }  // namespace
 
@@ -72,12 +72,14 @@ DH nominal_table(const TableShape& shape, const DH& dh) {
     return nominal;
 }
 
-bool table_in_use_nominal() {
-    return g_table_in_use_nominal;
-}
+bool g_table_in_use_nominal = false;  // the cleared record's all-zero table is not
+
+const DhChain& table_in_use_chain() { return g_table_in_use_chain; }
 
 void table_in_use_changed() {
-    g_table_in_use_nominal = nominal_structure(table_shape(robot.robot_type), robot.dh);
+    const TableShape& shape = table_shape(robot.robot_type);
+    g_table_in_use_nominal = nominal_structure(shape, robot.dh);
+    g_table_in_use_chain = DhChain(robot.dh, shape.dof, shape.standard);
 }
 
 }  // namespace algo

@@ -8,6 +8,7 @@
 #include <initializer_list>
 #include <limits>
 
+#include "dh_chain.h"
 #include "robot_define.h"
 
 namespace algo {
@@ -42,10 +43,13 @@ inline bool nominal_structure(const TableShape& shape, const DH& dh) {
 // dh with the shape's twists and zero lengths put in: the nearest table the closed forms serve.
 DH nominal_table(const TableShape& shape, const DH& dh);
 
-// Whether the table in use has the nominal structure of the loaded model. The setters that write
-// the table or the model call table_in_use_changed, so forward kinematics on the system data
-// reads a flag instead of checking the table at every call.
-bool table_in_use_nominal();
+// Whether the table in use has the nominal structure of the loaded model, and its link product
+// for when it has not. The setters that write the table or the model call table_in_use_changed,
+// so forward kinematics on the system data reads a flag and a prepared chain instead of checking
+// the table and working out its twists at every call.
+extern bool g_table_in_use_nominal;
+inline bool table_in_use_nominal() { return g_table_in_use_nominal; }
+const DhChain& table_in_use_chain();
 void table_in_use_changed();
 
 }  // namespace algo

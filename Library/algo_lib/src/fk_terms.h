@@ -3,17 +3,10 @@
 
 // Building blocks of the closed-form flange routines.
 
-#include <cmath>
+#include <array>
 
+#include "lane_trig.h"
 #include "robot_define.h"
-
-#if defined(__x86_64__) && defined(__GLIBC__)
-#include <immintrin.h>
-#define FK_VECTOR_TRIG 1
-// The C library's four-lane sinf and cosf (libmvec, pulled in through libm).
-extern "C" __m128 _ZGVbN4v_sinf(__m128);
-extern "C" __m128 _ZGVbN4v_cosf(__m128);
-#endif
 
 namespace fk {
 
@@ -22,33 +15,22 @@ struct SinCos {
     float c;
 };
 
-// Sines and cosines of theta_i = q[i] + offset[i] for the model's joints; only those are read.
-class JointTrig {
-public:
-    JointTrig(const DH* dh, const float* q, int dof) {
-        alignas(16) float theta[ROBOT_DOF] = {};
-        for (int i = 0; i < dof; ++i) theta[i] = q[i] + dh->offset[i];
-#ifdef FK_VECTOR_TRIG
-        // All joints in two calls per function: the sines and cosines dominate the routines' cost.
-        for (int k = 0; k < ROBOT_DOF; k += 4) {
-            const __m128 t = _mm_load_ps(theta + k);
-            _mm_store_ps(s_ + k, _ZGVbN4v_sinf(t));
-            _mm_store_ps(c_ + k, _ZGVbN4v_cosf(t));
-        }
-#else
-        for (int i = 0; i < ROBOT_DOF; ++i) {
-            s_[i] = std::sin(theta[i]);
-            c_[i] = std::cos(theta[i]);
-        }
-#endif
-    }
-
-    SinCos operator[](int i) const { return {s_[i], c_[i]}; }
-
-private:
-    alignas(16) float s_[ROBOT_DOF];
-    alignas(16) float c_[ROBOT_DOF];
-};
+// Sines and cosines of theta_i = q[i] + offset[i] for the model's N joints; only those are read.
+template <int N>
+std::array<SinCos, N> joint_trig(const DH* dh, const float* q) {
+    // Built in registers: a vector read of just-stored floats would stall on the stores.
+    float theta[ROBOT_DOF];
+    for (int i = 0; i < ROBOT_DOF; ++i) theta[i] = i < N ? q[i] + dh->offset[i] : 0.0f;
+    using algo::lanes::F4;
+    const F4 low{theta[0], theta[1], theta[2], theta[3]}, high{theta[4], theta[5], theta[6], theta[7]};
+    // The sines and cosines dominate the routines' cost: all joints in two four-lane passes.
+    F4 s[2], c[2];
+    algo::lanes::sincos(low, s[0], c[0]);
+    algo::lanes::sincos(high, s[1], c[1]);
+    std::array<SinCos, N> out;
+    for (int i = 0; i < N; ++i) out[i] = {s[i / 4][i % 4], c[i / 4][i % 4]};
+    return out;
+}
 
 // Sine and cosine of a sum without another call.
 inline SinCos sum(SinCos a, SinCos b) { return {a.s * b.c + a.c * b.s, a.c * b.c - a.s * b.s}; }

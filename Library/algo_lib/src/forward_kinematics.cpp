@@ -1,7 +1,12 @@
 // Model dispatch and the pose variants over the system data.
 #include "dh_chain.h"
 #include "dh_table_shape.h"
+#include "fk_lux6.h"
+#include "fk_qm65_family.h"
+#include "fk_seven_joint.h"
+#include "flange_frames.h"
 #include "libalgo_interface.h"
+#include "pose_terms.h"
 #include "qman_kinematics.h"
 #include "qman_mathfuncs.h"
 
@@ -13,33 +18,40 @@ constexpr int kUniversalDof = 7;
 
 enum class UniversalChain { OwnTable, QM65Routine };
 
-// The closed form serves a table of the model's nominal structure (nominal says whether dh has
-// it); a calibrated table with other lengths or twists gets the general product of its links.
-Matrix model_flange(int robot_type, const DH* dh, const float* q, UniversalChain universal, bool nominal) {
+// The flange for q, handed to `finish`. The closed form serves a table of the model's nominal
+// structure (nominal says whether dh has it); a calibrated table with other lengths or twists gets
+// the general product of its links.
+template <class Finish>
+auto with_flange(int robot_type, const DH* dh, const float* q, UniversalChain universal, bool nominal,
+                 Finish finish) {
     if (robot_type == UNIVERSAL) {
-        if (universal == UniversalChain::OwnTable) return kin_universal_kinematics_Tn(dh, q, kUniversalDof);
-        return forward_kinematics_qm65(dh, q);
+        if (universal == UniversalChain::OwnTable) return finish(kin_universal_kinematics_Tn(dh, q, kUniversalDof));
+        return finish(fk::elbow_wrist_flange(dh, q, 0.0f));
     }
     if (!nominal) {
+        if (dh == &robot.dh) return finish(algo::table_in_use_chain().flange_matrix(q));
         const algo::TableShape& shape = algo::table_shape(robot_type);
-        return algo::chain_flange(*dh, q, shape.dof, shape.standard);
+        return finish(algo::chain_flange(*dh, q, shape.dof, shape.standard));
     }
     switch (robot_type) {
-        case QM75: return forward_kinematics_qm75(dh, q);
+        case QM75:
+        case TAV72:
+        case TAV72II: return finish(fk::shoulder_elbow_wrist_flange(dh, q));
         case QML63II:
-        case QML63IV: return forward_kinematics_qml63_2(dh, q);
-        case QML63III: return forward_kinematics_qml63_3(dh, q);
+        case QML63III:
+        case QML63IV: return finish(fk::elbow_wrist_flange(dh, q, dh->a[3]));
         case LUX65:
         case LUX62:
-        case LUX63: return forward_kinematics_lux6(dh, q);
-        case TAV72:
-        case TAV72II: return forward_kinematics_tav7(dh, q);
-        default: return forward_kinematics_qm65(dh, q);
+        case LUX63: return finish(fk::lux_flange(dh, q));
+        default: return finish(fk::elbow_wrist_flange(dh, q, 0.0f));
     }
 }
 
-Matrix flange(const float* q) {
-    return model_flange(robot.robot_type, &robot.dh, q, UniversalChain::OwnTable, algo::table_in_use_nominal());
+Matrix as_is(const Matrix& f) { return f; }
+
+template <class Finish>
+auto with_flange(const float* q, Finish finish) {
+    return with_flange(robot.robot_type, &robot.dh, q, UniversalChain::OwnTable, algo::table_in_use_nominal(), finish);
 }
 
 // The model's table with the calibration errors added, multiplied out link by link.
@@ -54,9 +66,34 @@ Matrix calibrated_flange(const float* q) {
     return algo::chain_flange(dh, q, robot.rbt_dof, robot.robot_type == QM75);
 }
 
+// The frames around the flange f, each skipped where it is the identity: in the world
+// (W * I * f) or only turned by the installation (I * f), with or without the tool (f * T).
+enum class Around { World, Install };
+
+// Which of the frames apply to a call; none where all are the identity.
+struct Placing {
+    const Matrix* before;  // W * I or I, or null
+    const Matrix* after;   // T, or null
+};
+
+Placing placing(Around around, bool with_tool) {
+    const algo::FlangeFrames& frames = algo::flange_frames();
+    Placing p{nullptr, nullptr};
+    if (with_tool && !frames.tool_identity) p.after = &robot.tool_cs;
+    if (around == Around::World && !frames.world_identity) p.before = &frames.world;
+    if (around == Around::Install && !frames.install_identity) p.before = &robot.install_matrix;
+    return p;
+}
+
+Matrix placed(const Matrix& f, Placing p) {
+    if (p.after == nullptr) return p.before == nullptr ? f : algo::rigid_product(*p.before, f);
+    const Matrix tool = algo::rigid_product(f, *p.after);
+    return p.before == nullptr ? tool : algo::rigid_product(*p.before, tool);
+}
+
 // Translation of W * I * F * t for the tool origin t.
 Pos tool_point_in_work(const Matrix& f) {
-    const Matrix world_flange = matrix_m(robot.work_cs, matrix_m(robot.install_matrix, f));
+    const Matrix world_flange = placed(f, placing(Around::World, false));
     const float t[3] = {robot.tool_cs.data[0][3], robot.tool_cs.data[1][3], robot.tool_cs.data[2][3]};
     float p[3];
     for (int i = 0; i < 3; ++i)
@@ -65,7 +102,74 @@ Pos tool_point_in_work(const Matrix& f) {
     return Pos{p[0], p[1], p[2]};
 }
 
-Pose pose_of(const Matrix& t) { return transformation_matrix_to_pose(t); }
+// The pose of the placed flange; the flange's own when no frame applies (no copy on the way).
+Pose pose_of(const Matrix& f, Around around, bool with_tool) {
+    const Placing p = placing(around, with_tool);
+    if (p.before == nullptr && p.after == nullptr) return algo::pose_of(f);
+    return algo::pose_of(placed(f, p));
+}
+
+// The closed forms of the pose calls, one per model family.
+using Form = Matrix (*)(const DH*, const float*);
+inline Matrix elbow_wrist(const DH* dh, const float* q) { return fk::elbow_wrist_flange(dh, q, 0.0f); }
+inline Matrix offset_elbow_wrist(const DH* dh, const float* q) { return fk::elbow_wrist_flange(dh, q, dh->a[3]); }
+
+// One pose call in one piece: the closed form expanded with the frames and the angles after it,
+// so that its transform goes on to a pose in registers. Each is built twice: for the baseline
+// instruction set and, for processors that have them, with AVX2 and fused multiply-adds, which
+// shorten its chains of dependent operations. The first call chooses.
+using FormPose = Pose (*)(const float*, Around, bool);
+
+template <Form form>
+[[gnu::flatten]] Pose form_pose_baseline(const float* q, Around around, bool with_tool) {
+    return pose_of(form(&robot.dh, q), around, with_tool);
+}
+
+struct FormPoses {
+    FormPose elbow_wrist, offset_elbow_wrist, lux, seven_joint;
+};
+constexpr FormPoses kBaselinePoses{form_pose_baseline<elbow_wrist>, form_pose_baseline<offset_elbow_wrist>,
+                                   form_pose_baseline<fk::lux_flange>,
+                                   form_pose_baseline<fk::shoulder_elbow_wrist_flange>};
+
+#if defined(__x86_64__)
+template <Form form>
+__attribute__((target("avx2,fma"), flatten)) Pose form_pose_fma(const float* q, Around around, bool with_tool) {
+    return pose_of(form(&robot.dh, q), around, with_tool);
+}
+constexpr FormPoses kFmaPoses{form_pose_fma<elbow_wrist>, form_pose_fma<offset_elbow_wrist>,
+                              form_pose_fma<fk::lux_flange>, form_pose_fma<fk::shoulder_elbow_wrist_flange>};
+#endif
+
+const FormPoses& form_poses() {
+    static const FormPoses* const chosen = [] {
+#if defined(__x86_64__)
+        __builtin_cpu_init();
+        if (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma")) return &kFmaPoses;
+#endif
+        return &kBaselinePoses;
+    }();
+    return *chosen;
+}
+
+Pose placed_pose(const float* q, Around around, bool with_tool) {
+    const int type = robot.robot_type;
+    if (type == UNIVERSAL || !algo::table_in_use_nominal())
+        return with_flange(q, [=](const Matrix& f) { return pose_of(f, around, with_tool); });
+    const FormPoses& poses = form_poses();
+    switch (type) {
+        case QM75:
+        case TAV72:
+        case TAV72II: return poses.seven_joint(q, around, with_tool);
+        case QML63II:
+        case QML63III:
+        case QML63IV: return poses.offset_elbow_wrist(q, around, with_tool);
+        case LUX65:
+        case LUX62:
+        case LUX63: return poses.lux(q, around, with_tool);
+        default: return poses.elbow_wrist(q, around, with_tool);
+    }
+}
 
 }  // namespace
 
@@ -73,31 +177,25 @@ extern "C" {
 
 Matrix forward_kinematics_model(int robot_type, const DH* dh, const float* q) {
     const bool nominal = algo::nominal_structure(algo::table_shape(robot_type), *dh);
-    return model_flange(robot_type, dh, q, UniversalChain::OwnTable, nominal);
+    return with_flange(robot_type, dh, q, UniversalChain::OwnTable, nominal, as_is);
 }
 
 Pos forward_kinematics_pos(const float* q) {
     // Intended: a UNIVERSAL arm gets the QM65 geometry in this position-only call.
-    return tool_point_in_work(
-        model_flange(robot.robot_type, &robot.dh, q, UniversalChain::QM65Routine, algo::table_in_use_nominal()));
+    return with_flange(robot.robot_type, &robot.dh, q, UniversalChain::QM65Routine, algo::table_in_use_nominal(),
+                       tool_point_in_work);
 }
 
 Pos forward_kinematics_pos_calibration(const float* q) { return tool_point_in_work(calibrated_flange(q)); }
 
-Pose forward_kinematics(const float* q) {
-    return pose_of(matrix_m(robot.work_cs, matrix_m(robot.install_matrix, matrix_m(flange(q), robot.tool_cs))));
-}
+Pose forward_kinematics(const float* q) { return placed_pose(q, Around::World, true); }
 
-Matrix forward_kinematics_e(const float* q) { return flange(q); }
+Matrix forward_kinematics_e(const float* q) { return with_flange(q, as_is); }
 
-Pose forward_kinematics_world_to_flange(const float* q) {
-    return pose_of(matrix_m(robot.work_cs, matrix_m(robot.install_matrix, flange(q))));
-}
+Pose forward_kinematics_world_to_flange(const float* q) { return placed_pose(q, Around::World, false); }
 
-Pose forward_kinematics_rotate(const float* q) {
-    return pose_of(matrix_m(robot.install_matrix, matrix_m(flange(q), robot.tool_cs)));
-}
+Pose forward_kinematics_rotate(const float* q) { return placed_pose(q, Around::Install, true); }
 
-Pose forward_kinematics_rotate_flange(const float* q) { return pose_of(matrix_m(robot.install_matrix, flange(q))); }
+Pose forward_kinematics_rotate_flange(const float* q) { return placed_pose(q, Around::Install, false); }
 
 }  // extern "C"

@@ -6,10 +6,12 @@
 // limits, and otherwise stops the grid once no arm angle left can hold a nearer branch;
 // strategy 1 always walks the whole range.
 
+#include <array>
 #include <cmath>
 #include <initializer_list>
 
 #include "inv_kinematics_arm_angle.h"
+#include "inv_kinematics_arm_angle_floor.h"
 #include "qman_inv_kinematics.h"
 
 namespace algo::ik {
@@ -88,7 +90,7 @@ double rotation_between(const Mat3 a, const Mat3 b) {
 // nearest the reference and the reference's remaining shoulder and wrist rotations from there:
 //   cost >= (q4 - ref4)^2 + max(0, d - shoulder_gap)^2 / 3 + max(0, d - wrist_gap)^2 / 3.
 struct SearchBound {
-    float centre[2];
+    double centre_away[2];  // |centre - psi0| round the circle
     double shoulder_gap[2];
     double wrist_gap[2];
     double joint4_cost[2];  // infinite for an elbow sign outside joint 4's limits
@@ -97,16 +99,17 @@ struct SearchBound {
 // Slack for the single-precision rounding of the arm angles and rotations.
 constexpr double kBoundSlack = 1e-4;
 
-SearchBound search_bound(const SolveInput& in, const ArmAngleTarget& t, const float* theta_ref) {
+SearchBound search_bound(const SolveInput& in, const ArmAngleTarget& t, const float* theta_ref, float psi0) {
     SearchBound bound;
     Mat3 shoulder_ref, wrist_ref;
     zyz_matrix(theta_ref[0], theta_ref[1], theta_ref[2], shoulder_ref);
     zyz_matrix(theta_ref[4], theta_ref[5], theta_ref[6], wrist_ref);
     for (int e = 0; e < 2; ++e) {
         const ElbowBranch& b = t.elbow[e];
-        bound.centre[e] = arm_angle_between(shoulder_ref, b.shoulder0, t.axis);
+        const float centre = arm_angle_between(shoulder_ref, b.shoulder0, t.axis);
+        bound.centre_away[e] = std::fabs(std::remainder(double(centre) - psi0, 2.0 * ALGO_PI));
         Mat3 shoulder, wrist;
-        shoulder_at(b, bound.centre[e], shoulder);
+        shoulder_at(b, centre, shoulder);
         wrist_rotation(b, shoulder, t.rotation, wrist);
         bound.shoulder_gap[e] = rotation_between(shoulder, shoulder_ref) + kBoundSlack;
         bound.wrist_gap[e] = rotation_between(wrist, wrist_ref) + kBoundSlack;
@@ -119,9 +122,9 @@ SearchBound search_bound(const SolveInput& in, const ArmAngleTarget& t, const fl
 
 // Lowest cost a branch of each elbow sign can have at the arm angles psi0 + s*d, s = +-1,
 // from <= d <= range.
-void lowest_costs_beyond(const SearchBound& bound, float psi0, float from, float range, double lowest[2]) {
+void lowest_costs_beyond(const SearchBound& bound, float from, float range, double lowest[2]) {
     for (int e = 0; e < 2; ++e) {
-        const double rel = std::fabs(std::remainder(double(bound.centre[e]) - psi0, 2.0 * ALGO_PI));
+        const double rel = bound.centre_away[e];
         double d = 0.0;  // from the centre to the nearest arm angle left
         if (rel < from) {
             d = from - rel;
@@ -135,6 +138,74 @@ void lowest_costs_beyond(const SearchBound& bound, float psi0, float from, float
     }
 }
 
+// Which elbow signs can have a branch within the limits at an arm angle, judged from the middle
+// joints alone: cos t2 and cos t6 are sinusoids in the arm angle, so two multiply-adds each tell
+// whether t2 (or its twin -t2) and t6 (or -t6) can lie within their limits, before any angle is
+// worked out. Most arm angles of a target beyond the limits are dismissed this way. A joint with
+// an offset, or limits beyond a half turn, is not judged (its turns could be mapped into them).
+class MiddleJointFilter {
+public:
+    MiddleJointFilter(const SolveInput& in, const ArmAngleTarget& t) {
+        const Mat3& r = t.rotation;
+        for (int e = 0; e < 2; ++e) {
+            const ElbowBranch& b = t.elbow[e];
+            const Mat3* parts[3] = {&b.shoulder_sin, &b.shoulder_cos, &b.shoulder_const};
+            for (int p = 0; p < 3; ++p) {
+                const Mat3& m = *parts[p];
+                shoulder_[e][p] = m[2][2];
+                // Row 2 of Ry(-t4) * R_S^T * R, column 2.
+                const float m02 = m[0][0] * r[0][2] + m[1][0] * r[1][2] + m[2][0] * r[2][2];
+                const float m22 = m[0][2] * r[0][2] + m[1][2] * r[1][2] + m[2][2] * r[2][2];
+                wrist_[e][p] = b.s4 * m02 + b.c4 * m22;
+            }
+        }
+        judged_[0] = bands(in, 1, shoulder_band_);
+        judged_[1] = bands(in, 5, wrist_band_);
+    }
+
+    // The elbow signs of `elbows` that can have a branch within the limits at the arm angle.
+    int possible(int elbows, float sn, float cs) const {
+        for (int e = 0; e < 2; ++e) {
+            if ((elbows & (1 << e)) == 0) continue;
+            const float c2 = shoulder_[e][0] * sn + shoulder_[e][1] * cs + shoulder_[e][2];
+            const float c6 = wrist_[e][0] * sn + wrist_[e][1] * cs + wrist_[e][2];
+            if ((judged_[0] && !within(c2, shoulder_band_)) || (judged_[1] && !within(c6, wrist_band_)))
+                elbows &= ~(1 << e);
+        }
+        return elbows;
+    }
+
+private:
+    // Cosine bands of a middle angle b in [0, pi] for which b, or its twin -b, lies within the
+    // limits, widened by a margin for rounding.
+    struct Band {
+        float lo[2], hi[2];
+    };
+    static constexpr float kMargin = 1e-4f;
+
+    static bool bands(const SolveInput& in, int j, Band& band) {
+        const float lo = in.limits.min[j], hi = in.limits.max[j];
+        if (in.dh.offset[j] != 0.0f || lo < -kPi || hi > kPi) return false;
+        const float plus[2] = {std::fmax(lo, 0.0f), std::fmin(hi, kPi)};     // b itself
+        const float twin[2] = {std::fmax(-hi, 0.0f), std::fmin(-lo, kPi)};  // -b
+        for (int k = 0; k < 2; ++k) {
+            const float* range = k == 0 ? plus : twin;
+            band.lo[k] = range[0] <= range[1] ? std::cos(range[1]) - kMargin : 2.0f;
+            band.hi[k] = range[0] <= range[1] ? std::cos(range[0]) + kMargin : -2.0f;
+        }
+        return true;
+    }
+
+    static bool within(float c, const Band& band) {
+        return (c >= band.lo[0] && c <= band.hi[0]) || (c >= band.lo[1] && c <= band.hi[1]);
+    }
+
+    float shoulder_[2][3];  // cos t2 = [0] sin psi + [1] cos psi + [2], per elbow sign
+    float wrist_[2][3];     // cos t6 likewise
+    Band shoulder_band_, wrist_band_;
+    bool judged_[2];
+};
+
 // Near the shoulder (t2 = 0) or wrist (t6 = 0) singularity, joints 1 and 3 (5 and 7) turn fast
 // with the arm angle while their sum stays nearly put: the arm angle of a reference that does not
 // quite reach the target can land far from it in joint space, and the band of arm angles where
@@ -147,15 +218,25 @@ constexpr float kSingularWindow = 0.2f;  // rad of arm angle around the referenc
 constexpr int kFirst[2] = {0, 4};        // shoulder, wrist: the joint that is the axis's azimuth
 constexpr int kLast[2] = {2, 6};         // and the joint that turns opposite it
 
+std::array<float, ROBOT_DOF> reference_of(const SolveInput& in) {
+    std::array<float, ROBOT_DOF> theta;
+    reference_theta(in, theta.data());
+    return theta;
+}
+
 class ArmAngleSearch {
 public:
-    ArmAngleSearch(const SolveInput& in, const ArmAngleTarget& t, IkSolve& out) : in_(in), t_(t), out_(out) {
-        reference_theta(in, theta_ref_);
-        psi0_ = reference_arm_angle(t, theta_ref_);
-    }
+    ArmAngleSearch(const SolveInput& in, const ArmAngleTarget& t, IkSolve& out)
+        : in_(in),
+          t_(t),
+          out_(out),
+          middle_(in, t),
+          theta_ref_(reference_of(in)),
+          floor_(in, t, theta_ref_.data()),
+          psi0_(reference_arm_angle(t, theta_ref_.data())) {}
 
     int run(int strategy, float range) {
-        const MiddleSines sines = branches_at(in_, t_, theta_ref_, psi0_, out_);
+        const MiddleSines sines = branches_at(in_, t_, theta_ref_.data(), psi0_, out_);
         const int own = theta_ref_[3] >= 0.0f ? 0 : 1;
         const bool near[2] = {sines.shoulder[own] < kNearSingularSin, sines.wrist[own] < kNearSingularSin};
         if (near[0] || near[1]) {
@@ -171,34 +252,100 @@ public:
         // can keep the reference's outer joints, then the grid.
         for (int k = 0; k < 2; ++k) try_singular(k, psi0_, range);
         SearchBound bound{};
-        if (bounded) bound = search_bound(in_, t_, theta_ref_);
+        if (bounded) bound = search_bound(in_, t_, theta_ref_.data(), psi0_);
         const int steps = static_cast<int>(range / Q_STEP_MIN + 1e-3f);
-        for (int k = 1; k <= steps; ++k) {
-            const float offset = static_cast<float>(k) * Q_STEP_MIN;
-            int elbows = kBothElbows;
-            if (bounded) {
-                double lowest[2];
-                lowest_costs_beyond(bound, psi0_, offset, range, lowest);
-                elbows = (lowest[0] < best_ ? 1 : 0) | (lowest[1] < best_ ? 2 : 0);
-                if (elbows == 0) break;
+        const int blocks = (steps + 1) / 2;
+        for (int n = 0; n < blocks; ++n) {
+            // Far enough out that the nearest branches are not close by: the cheapest-looking arm
+            // angle of a sample of those left is worked out, and any whose floor lies above its
+            // cost is skipped from there on. It is not taken as the answer: only the order of the
+            // walk decides between equal costs.
+            if (n == kBlocksBeforeCeiling) ceiling_ = cheapest_from(n, blocks, steps);
+            const GridBlock& g = grid_block(n);
+            for (int i = 0; i < 2 && g.step[i] <= steps; ++i) {
+                int elbows = kBothElbows;
+                if (bounded) {
+                    double lowest[2];
+                    lowest_costs_beyond(bound, static_cast<float>(g.step[i]) * Q_STEP_MIN, range, lowest);
+                    elbows = (lowest[0] < best_ ? 1 : 0) | (lowest[1] < best_ ? 2 : 0);
+                    if (elbows == 0) return out_.num;
+                }
+                for (int side = 0; side < 2; ++side) {
+                    const int lane = 2 * i + side;
+                    const int possible = middle_.possible(elbows, g.sn[lane], g.cs[lane]);
+                    evaluate_among(g.psi[lane], g.floors.could_beat(possible, lane, best_, ceiling_));
+                }
             }
-            for (const float side : {1.0f, -1.0f}) evaluate(psi0_ + side * offset, elbows);
         }
         return out_.num;
     }
 
 private:
+    // Two steps of the grid, both sides: the floors of their four arm angles come in one pass.
+    struct GridBlock {
+        int step[2];
+        float psi[4];  // step[0] up, down, step[1] up, down
+        lanes::F4 sn, cs;
+        CostFloor::Floors floors;
+    };
+    static constexpr int kBlocksBeforeCeiling = 8;
+    static constexpr int kCeilingStride = 4;
+    static constexpr int kMaxBlocks = static_cast<int>(Q_STEP_MAX / Q_STEP_MIN) / 2 + 2;
+
+    const GridBlock& grid_block(int n) {
+        GridBlock& g = grid_[n];
+        if (ready_[n]) return g;
+        for (int i = 0; i < 2; ++i) {
+            g.step[i] = 2 * n + 1 + i;
+            const float offset = static_cast<float>(g.step[i]) * Q_STEP_MIN;
+            g.psi[2 * i] = psi0_ + offset;
+            g.psi[2 * i + 1] = psi0_ - offset;
+        }
+        lanes::sincos(lanes::F4{g.psi[0], g.psi[1], g.psi[2], g.psi[3]}, g.sn, g.cs);
+        g.floors = floor_.at(g.sn, g.cs);
+        ready_[n] = true;
+        return g;
+    }
+
+    // The cost at the arm angle with the lowest floor of every kCeilingStride-th block from
+    // first to last - 1: a sample, so that a walk that would have stopped soon pays little.
+    double cheapest_from(int first, int last, int steps) {
+        float lowest = INFINITY;
+        float psi = 0.0f;
+        for (int n = first; n < last; n += kCeilingStride) {
+            const GridBlock& g = grid_block(n);
+            for (int lane = 0; lane < 4; ++lane) {
+                const float f = g.floors.least(lane);
+                if (g.step[lane / 2] <= steps && f < lowest) {
+                    lowest = f;
+                    psi = g.psi[lane];
+                }
+            }
+        }
+        if (lowest == INFINITY) return INFINITY;
+        branches_at(in_, t_, theta_ref_.data(), psi, candidate_);
+        return solution_cost(in_, candidate_);
+    }
+
     // The set at psi becomes the answer when its best branch is strictly nearer. A set looked at
     // for one elbow sign only is completed first: the answer lists every branch of its arm angle.
     void evaluate(float psi, int elbows = kBothElbows) {
-        branches_at(in_, t_, theta_ref_, psi, candidate_, elbows);
+        evaluate_among(psi, middle_.possible(elbows, std::sin(psi), std::cos(psi)));
+    }
+
+    void evaluate_among(float psi, int elbows) {
+        if (elbows == 0) {
+            begin_solutions(in_, candidate_);  // nothing there within the limits
+            return;
+        }
+        branches_at(in_, t_, theta_ref_.data(), psi, candidate_, elbows);
         const double cost = solution_cost(in_, candidate_);
         if (cost < best_) {
             best_ = cost;
             if (elbows == kBothElbows) {
                 out_ = candidate_;
             } else {
-                branches_at(in_, t_, theta_ref_, psi, out_);
+                branches_at(in_, t_, theta_ref_.data(), psi, out_);
             }
         }
     }
@@ -252,12 +399,17 @@ private:
     const SolveInput& in_;
     const ArmAngleTarget& t_;
     IkSolve& out_;
-    float theta_ref_[ROBOT_DOF];
+    MiddleJointFilter middle_;
+    std::array<float, ROBOT_DOF> theta_ref_;
+    CostFloor floor_;
     float psi0_;
     AxisBlend axes_[2];  // of the reference's elbow sign, made on first use
     bool axes_ready_ = false;
     double best_ = INFINITY;
+    double ceiling_ = INFINITY;  // the cost of some grid arm angle
     IkSolve candidate_;
+    std::array<GridBlock, kMaxBlocks> grid_;
+    std::array<bool, kMaxBlocks> ready_{};
 };
 
 }  // namespace

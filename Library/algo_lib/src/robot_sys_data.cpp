@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "dh_table_shape.h"
+#include "flange_frames.h"
 #include "libalgo_interface.h"
 #include "qman_mathfuncs.h"
 #include "robot_model_data.h"
@@ -76,6 +77,7 @@ int libalgo_set_robot_and_sensor_type(int robot_type, int sensor_type) {
 
     const int result = lib_internal_set_robot_default_config(robot_type, sensor_type);
     algo::table_in_use_changed();
+    algo::flange_frames_changed();
     return result;
 }
 

@@ -1,18 +1,12 @@
 // Conversions between Euler angles (R = Rz*Ry*Rx), scalar-first quaternions and matrices.
 #include <cmath>
 
+#include "pose_terms.h"
 #include "qman_mathfuncs.h"
 
 namespace {
 
-constexpr float kTwoPi = static_cast<float>(2.0 * ALGO_PI);
-// Pitch this close to +-90 degrees folds yaw into roll.
-constexpr float kGimbalLimit = 0.999999f;
-// Deliberately not -pi: -pi comes back as +pi, and angles down to -3.13 stay negative.
-constexpr float kWrapBelow = -3.13f;
 constexpr float kQuatNormFloor = 1e-6f;
-
-float wrap_angle(float angle) { return angle < kWrapBelow ? angle + kTwoPi : angle; }
 
 Matrix rotation3() { return zero_matrix(3, 3); }
 
@@ -99,58 +93,17 @@ Matrix quat_to_matrix(Quat q) {
     return m;
 }
 
-Euler matrix_to_euler(Matrix r) {
-    const auto& R = r.data;
-    Euler e{};
-    e.ry = std::atan2(-R[2][0], std::sqrt(R[0][0] * R[0][0] + R[1][0] * R[1][0]));
-    if (R[2][0] > kGimbalLimit) {
-        e.rx = -std::atan2(R[0][1], R[1][1]);
-        e.rz = 0.0f;
-    } else if (R[2][0] < -kGimbalLimit) {
-        e.rx = std::atan2(R[0][1], R[1][1]);
-        e.rz = 0.0f;
-    } else {
-        e.rx = std::atan2(R[2][1], R[2][2]);
-        e.rz = std::atan2(R[1][0], R[0][0]);
-    }
-    e.rx = wrap_angle(e.rx);
-    e.ry = wrap_angle(e.ry);
-    e.rz = wrap_angle(e.rz);
-    return e;
-}
+Euler matrix_to_euler(Matrix r) { return algo::euler_of(r); }
 
 Euler quat_to_euler(Quat q) { return matrix_to_euler(quat_to_matrix(q)); }
 
-Quat matrix_to_quat(Matrix r) {
-    const auto& R = r.data;
-    const float trace = R[0][0] + R[1][1] + R[2][2];
-    if (trace > 0.0f) {
-        const float S = 2.0f * std::sqrt(trace + 1.0f);
-        return Quat{0.25f * S, (R[2][1] - R[1][2]) / S, (R[0][2] - R[2][0]) / S, (R[1][0] - R[0][1]) / S};
-    }
-    if (R[0][0] > R[1][1] && R[0][0] > R[2][2]) {
-        const float S = 2.0f * std::sqrt(1.0f + R[0][0] - R[1][1] - R[2][2]);
-        return Quat{(R[2][1] - R[1][2]) / S, 0.25f * S, (R[0][1] + R[1][0]) / S, (R[0][2] + R[2][0]) / S};
-    }
-    if (R[1][1] > R[2][2]) {
-        const float S = 2.0f * std::sqrt(1.0f + R[1][1] - R[0][0] - R[2][2]);
-        return Quat{(R[0][2] - R[2][0]) / S, (R[0][1] + R[1][0]) / S, 0.25f * S, (R[1][2] + R[2][1]) / S};
-    }
-    const float S = 2.0f * std::sqrt(1.0f + R[2][2] - R[0][0] - R[1][1]);
-    return Quat{(R[1][0] - R[0][1]) / S, (R[0][2] + R[2][0]) / S, (R[1][2] + R[2][1]) / S, 0.25f * S};
-}
+Quat matrix_to_quat(Matrix r) { return algo::quat_of(r); }
 
 Matrix pose_euler_to_transformation_matrix(Pos p, Euler e) { return with_translation(euler_to_matrix(e), p); }
 
 Matrix pose_quat_to_transformation_matrix(Pos p, Quat q) { return with_translation(quat_to_matrix(q), p); }
 
-Pose transformation_matrix_to_pose(Matrix t) {
-    Pose p{};
-    p.position = Pos{t.data[0][3], t.data[1][3], t.data[2][3]};
-    p.euler = matrix_to_euler(t);
-    p.quaternion = matrix_to_quat(t);
-    return p;
-}
+Pose transformation_matrix_to_pose(Matrix t) { return algo::pose_of(t); }
 
 Matrix algo_pose_to_matrix(Pose p) { return pose_euler_to_transformation_matrix(p.position, p.euler); }
 

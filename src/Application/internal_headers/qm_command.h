@@ -355,7 +355,8 @@ std::string field_text(const char (&field)[N]) {
     return std::string(field, strnlen(field, N));
 }
 
-// Runs `write` on the connection record under the table's read lock; -1 when it is gone.
+// Runs `write` on the connection record under the table's read lock and gives the record a new
+// configuration generation; -1 when it is gone.
 int with_record(qm_robot_handle* handle, const std::function<void(qm_handle_t&)>& write);
 
 #endif

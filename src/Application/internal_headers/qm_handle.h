@@ -53,6 +53,14 @@ qm_handle_t* qm_get_qm_handle_by_fifo_handle(const qm_socket_fifo_handle* fifo_h
 // alive even if it is deleted meanwhile.
 HandleTable qm_snapshot_handles();
 
+// Every connection has a configuration generation, unique in the process, that changes with each
+// write of its stored configuration (model, frames, limits, table): the kinematics bridge loads
+// that configuration again only when it changed. Called after such a write, under the table lock.
+void qm_config_changed(const qm_robot_handle* handle);
+// The generation of the connection `handle` names, 0 when none; read without the table lock,
+// so that a kinematics call that has nothing to load takes no lock either.
+uint64_t qm_config_generation(const qm_robot_handle* handle);
+
 // 0 and the joint count when it lies in 1..10, else -1.
 int qm_get_arm_dof(qm_robot_handle* handle, int* dof);
 int qm_sync_robot_info(qm_robot_handle* handle);

@@ -3,6 +3,7 @@
 #ifndef QM_INVOKE_ALGO_H
 #define QM_INVOKE_ALGO_H
 
+#include <algorithm>
 #include <array>
 
 #include "algo_api.h"
@@ -33,21 +34,28 @@ inline float acc_out(float value) { return static_cast<float>(value / kDegToRad 
 }  // namespace invoke_units
 
 // Joints of the loaded model (libalgo_get_rbt_dof); the other slots of a library array are 0.
-int invoke_dof();
+inline int invoke_dof() { return std::clamp(libalgo_get_rbt_dof(), 0, ROBOT_DOF); }
 void invoke_joints_to_rad(const float* deg, float* rad);
 void invoke_joints_to_deg(const float* rad, float* deg);
-// Joint degrees as a library array of radians, to pass straight on.
+// Joint degrees as a library array of radians, to pass straight on (inline: it is on the path of
+// every kinematics call).
 using JointRadians = std::array<float, ROBOT_DOF>;
 inline JointRadians invoke_rad_of(const float* deg) {
-    JointRadians rad;
-    invoke_joints_to_rad(deg, rad.data());
+    JointRadians rad{};
+    const int dof = invoke_dof();
+    for (int i = 0; i < dof; ++i) rad[i] = invoke_units::deg_to_rad(deg[i]);
     return rad;
 }
+
+// The configuration generation of the connection whose stored configuration the library holds
+// (qm_algo_arm_state_set); 0 when none, which every configuring invoke_ call below makes it.
+uint64_t invoke_loaded_generation();
+void invoke_set_loaded_generation(uint64_t generation);
 
 // Public model and sensor to the library's types: 4 gives QML63IV, unknown models QM65.
 RobotType invoke_robot_type(int model);
 SensorType invoke_sensor_type(int type);
-// libalgo_init, then the mapped pair; the library's result.
+// Loads the mapped pair (which clears the record, as libalgo_init would first); the library's result.
 int invoke_init_sys_data(qm_robot_arm_model_e model, qm_force_type_e type);
 
 void invoke_set_install_angle(float x, float y, float z);  // degrees
@@ -67,8 +75,16 @@ void invoke_set_dh(const qm_dh_t& dh);  // keeps the calibration errors
 qm_dh_t invoke_get_dh();
 
 // Record conversions.
-Pose invoke_to_pose(const qm_pose_t& p);
-qm_pose_t invoke_from_pose(const Pose& p);
+// The public records and the library's share their member names and layout, so one copy
+// serves both directions.
+template <class To, class From>
+To invoke_pose_copy(const From& p) {
+    return {{p.position.x, p.position.y, p.position.z},
+            {p.quaternion.w, p.quaternion.x, p.quaternion.y, p.quaternion.z},
+            {p.euler.rx, p.euler.ry, p.euler.rz}};
+}
+inline Pose invoke_to_pose(const qm_pose_t& p) { return invoke_pose_copy<Pose>(p); }
+inline qm_pose_t invoke_from_pose(const Pose& p) { return invoke_pose_copy<qm_pose_t>(p); }
 Matrix invoke_to_matrix(const qm_matrix_t& m);
 qm_matrix_t invoke_from_matrix(const Matrix& m);
 IkSolve invoke_to_ik_solve(const qm_inverse_kinematics_all_solve_t& s);  // degrees to rad

@@ -85,12 +85,16 @@ void qm_algo_set_redundant_parameter_traversal_mode(bool mode) {
 void qm_algo_arm_state_set(qm_robot_handle* handle) {
     // Offline use: without a handle the library keeps what the application configured.
     if (handle == nullptr) return;
+    // The library holds this connection's configuration already unless the connection or the
+    // application changed it since: loading it again would give the same record.
+    if (const uint64_t held = invoke_loaded_generation(); held != 0 && qm_config_generation(handle) == held) return;
     TableReadLock lock;
     const qm_handle_t* arm = qm_get_qm_handle_by_robot_handle(handle);
     if (arm == nullptr) {
         qm_log_warn("The robotic arm is not connected!");
         return;
     }
+    const uint64_t generation = qm_config_generation(handle);
     invoke_init_sys_data(arm->arm_model, arm->force_type);
     invoke_set_install_angle(arm->install_angle[0], arm->install_angle[1], arm->install_angle[2]);
     invoke_set_tool_frame(arm->tool_frame);
@@ -100,6 +104,7 @@ void qm_algo_arm_state_set(qm_robot_handle* handle) {
     invoke_set_joint_limit(JointLimit::Acc, arm->joint_max_acc);
     invoke_set_joint_limit(JointLimit::Speed, arm->joint_max_speed);
     invoke_set_dh(arm->dh);
+    invoke_set_loaded_generation(generation);
 }
 
 qm_pose_t qm_algo_forward_kinematics(qm_robot_handle* handle, const float* joint) {

@@ -364,6 +364,7 @@ int with_record(qm_robot_handle* handle, const std::function<void(qm_handle_t&)>
     qm_handle_t* record = qm_get_qm_handle_by_robot_handle(handle);
     if (!record) return -1;
     write(*record);
+    qm_config_changed(handle);
     return 0;
 }
 

@@ -46,8 +46,16 @@ std::mutex g_table_mutex;  // guards gHandleList against the receive threads' sn
 std::thread thread_id;
 std::thread thread_udp_id;
 
+// Per slot, the handle it holds and its configuration generation, readable without a lock.
+std::array<std::atomic<const qm_robot_handle*>, HANDLE_LIST_MAX> slot_handles{};
+std::array<std::atomic<uint64_t>, HANDLE_LIST_MAX> slot_generations{};
+std::atomic<uint64_t> last_generation{0};
+
 // Replaces one slot; the caller holds the write lock.
 void set_slot(int slot, HandlePtr record) {
+    // The generation first: a lock-free reader that finds the handle then reads its generation.
+    slot_generations[slot] = record ? ++last_generation : 0;
+    slot_handles[slot] = record ? &record->robot_handle : nullptr;
     std::lock_guard lock(g_table_mutex);
     gHandleList[slot] = std::move(record);
 }
@@ -105,6 +113,20 @@ qm_handle_t* qm_get_qm_handle_by_fifo_handle(const qm_socket_fifo_handle* fifo_h
     for (auto& record : gHandleList)
         if (record && record->fifo_handle.get() == fifo_handle) return record.get();
     return nullptr;
+}
+
+void qm_config_changed(const qm_robot_handle* handle) {
+    if (int slot = find_slot(handle); slot >= 0) slot_generations[slot] = ++last_generation;
+}
+
+uint64_t qm_config_generation(const qm_robot_handle* handle) {
+    for (int i = 0; i < HANDLE_LIST_MAX; ++i) {
+        if (slot_handles[i] != handle) continue;
+        const uint64_t generation = slot_generations[i];
+        // A slot replaced meanwhile no longer names the handle.
+        return slot_handles[i] == handle ? generation : 0;
+    }
+    return 0;
 }
 
 HandleTable qm_snapshot_handles() {

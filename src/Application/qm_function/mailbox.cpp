@@ -1,6 +1,8 @@
 // The reply mailbox: lines are filed by their key and taken by the command waiting for it.
+#include <algorithm>
 #include <cstring>
 #include <mutex>
+#include <thread>
 
 #include "log.h"
 #include "mio_json.h"
@@ -19,6 +21,7 @@ constexpr const char* kTrajectoryEvent = "current_trajectory_state";
 constexpr const char* kProgramEvent = "program_run_finish";
 constexpr const char* kNeverStored = "conduct_project";  // its replies are not wanted by anyone
 constexpr uint64_t kStaleAfter = 50;                     // later arrivals before an entry may be overwritten
+constexpr std::chrono::microseconds kLookBeforeSleeping{50};
 
 enum class Take { kNone, kTaken, kDiscarded };
 
@@ -162,12 +165,23 @@ int fifo_take_line(qm_socket_fifo_handle& fifo, const char* command, char* str, 
 
 int fifo_wait_line(qm_socket_fifo_handle& fifo, const char* command, char* str, int str_len,
                    std::chrono::steady_clock::time_point deadline) {
+    // A controller that answers at once has its reply filed within tens of microseconds: for that
+    // long the command keeps looking, giving the processor up between looks, rather than paying
+    // for a wake-up from sleep after the receive thread's own. Then it sleeps until the line is
+    // filed.
+    const auto looking_until = std::min(deadline, std::chrono::steady_clock::now() + kLookBeforeSleeping);
     std::unique_lock lock(fifo.mutex);
     for (;;) {
         int length = -1;
         Take result = take_locked(fifo, command, str, str_len, length);
         if (result == Take::kTaken) return length;
         if (result == Take::kDiscarded) continue;  // the wanted line may stand further on
+        if (std::chrono::steady_clock::now() < looking_until) {
+            lock.unlock();
+            std::this_thread::yield();
+            lock.lock();
+            continue;
+        }
         if (fifo.filed.wait_until(lock, deadline) == std::cv_status::timeout) {
             result = take_locked(fifo, command, str, str_len, length);
             if (result == Take::kTaken) return length;

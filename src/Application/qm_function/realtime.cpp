@@ -2,6 +2,7 @@
 // decoded record to the realtime callback.
 #include <arpa/inet.h>
 #include <netinet/in.h>
+#include <poll.h>
 #include <sys/socket.h>
 
 #include <array>
@@ -47,6 +48,20 @@ int receive_pass(qm_udp_handle& table, std::array<Datagram, UDP_LIST_MAX>& out) 
     return count;
 }
 
+// Sleeps until a registered port has a datagram, for at most pause_ms: new ports and the exit
+// are seen within that. The descriptors are copied under the table's lock; one closed meanwhile
+// only ends the wait early.
+void wait_for_datagram(const qm_udp_handle& table, int pause_ms) {
+    std::array<pollfd, UDP_LIST_MAX> fds{};
+    nfds_t count = 0;
+    {
+        std::lock_guard lock(table.mutex);
+        for (const qm_udp_info& entry : table.udp_list)
+            if (entry.user_num > 0 && entry.udp_id > 0) fds[count++] = {entry.udp_id, POLLIN, 0};
+    }
+    if (count == 0 || ::poll(fds.data(), count, pause_ms) < 0) sleep_cp(pause_ms);
+}
+
 void deliver(const Datagram& datagram) {
     qm_realtime_arm_joint_state_t state;
     state.errCode = parse_qm_realtime_arm_joint_state(datagram.text, &state);
@@ -82,7 +97,7 @@ void udp_receive_thread_main() {
         int count = receive_pass(*table, datagrams);
         for (int i = 0; i < count; ++i) deliver(datagrams[i]);
         // A pass that found datagrams goes round again at once, so a busy port is drained.
-        if (count == 0) sleep_cp(kPassPauseMs);
+        if (count == 0) wait_for_datagram(*table, kPassPauseMs);
     }
     release_ports(*table);
 }

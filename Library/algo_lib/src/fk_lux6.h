@@ -1,26 +1,21 @@
+#ifndef FK_LUX6_H
+#define FK_LUX6_H
+
 // Closed-form flange of the LUX arms: modified convention, twists 0, pi/2, 0, 0, pi/2, -pi/2,
 // joints 2 to 4 parallel, shoulder and elbow offsets along the common axis, non-spherical wrist.
 #include "fk_terms.h"
-#include "qman_kinematics.h"
 
-extern "C" {
+namespace fk {
 
-Matrix forward_kinematics_lux6(const DH* dh, const float* q) {
-    using fk::SinCos;
-    const fk::JointTrig trig(dh, q, 6);
-    const SinCos j1 = trig[0];
-    const SinCos j2 = trig[1];
-    const SinCos j3 = trig[2];
-    const SinCos j4 = trig[3];
-    const SinCos j5 = trig[4];
-    const SinCos j6 = trig[5];
-    const SinCos j23 = fk::sum(j2, j3);
-    const SinCos j234 = fk::sum(j23, j4);
+inline Matrix lux_flange(const DH* dh, const float* q) {
+    const auto [j1, j2, j3, j4, j5, j6] = joint_trig<6>(dh, q);
+    const SinCos j23 = sum(j2, j3);
+    const SinCos j234 = sum(j23, j4);
 
     const float c5c6 = j5.c * j6.c;
     const float c5s6 = j5.c * j6.s;
 
-    fk::Frame f;
+    Frame f;
     f.r[0][0] = j234.c * c5c6 - j234.s * j6.s;
     f.r[0][1] = -(j234.c * c5s6 + j234.s * j6.c);
     f.r[0][2] = -j234.c * j5.s;
@@ -36,7 +31,9 @@ Matrix forward_kinematics_lux6(const DH* dh, const float* q) {
     f.p[0] = a2 * j2.c + a3 * j23.c + d5 * j234.s + d6 * f.r[0][2];
     f.p[1] = -(dh->d[1] + dh->d[2] + dh->d[3]) + d6 * f.r[1][2];
     f.p[2] = a2 * j2.s + a3 * j23.s - d5 * j234.c + d6 * f.r[2][2];
-    return fk::from_frame1(j1, dh->d[0], f);
+    return from_frame1(j1, dh->d[0], f);
 }
 
-}  // extern "C"
+}  // namespace fk
+
+#endif

@@ -1,24 +1,17 @@
+#ifndef FK_SEVEN_JOINT_H
+#define FK_SEVEN_JOINT_H
+
 // Closed-form flange of the seven-joint arms. QM75's standard table (twists -pi/2, pi/2
 // alternating) and the TAV arms' modified table (0, -pi/2, pi/2, ...) both reduce to
 // Rz(t1)*Ry(t2)*Rz(t3)*Ry(t4)*Rz(t5)*Ry(t6)*Rz(t7), since Rx(-pi/2)*Rz(t)*Rx(pi/2) = Ry(t), with
 // d1, d3, d5, d7 along the z axes of joints 1, 3, 5 and 7 and all a zero. One expansion serves both.
 #include "fk_terms.h"
-#include "qman_kinematics.h"
 
-namespace {
-
-using fk::SinCos;
+namespace fk {
 
 // Rows of the rotation, built from the flange end: each Rz mixes rows 0 and 1, each Ry rows 0 and 2.
-Matrix shoulder_elbow_wrist_flange(const DH* dh, const float* q) {
-    const fk::JointTrig trig(dh, q, 7);
-    const SinCos j1 = trig[0];
-    const SinCos j2 = trig[1];
-    const SinCos j3 = trig[2];
-    const SinCos j4 = trig[3];
-    const SinCos j5 = trig[4];
-    const SinCos j6 = trig[5];
-    const SinCos j7 = trig[6];
+inline Matrix shoulder_elbow_wrist_flange(const DH* dh, const float* q) {
+    const auto [j1, j2, j3, j4, j5, j6, j7] = joint_trig<7>(dh, q);
 
     // Ry6*Rz7
     const float a00 = j6.c * j7.c, a01 = -j6.c * j7.s, a02 = j6.s;
@@ -62,12 +55,6 @@ Matrix shoulder_elbow_wrist_flange(const DH* dh, const float* q) {
     return m;
 }
 
-}  // namespace
+}  // namespace fk
 
-extern "C" {
-
-Matrix forward_kinematics_qm75(const DH* dh, const float* q) { return shoulder_elbow_wrist_flange(dh, q); }
-
-Matrix forward_kinematics_tav7(const DH* dh, const float* q) { return shoulder_elbow_wrist_flange(dh, q); }
-
-}  // extern "C"
+#endif

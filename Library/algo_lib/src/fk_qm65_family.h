@@ -1,22 +1,16 @@
+#ifndef FK_QM65_FAMILY_H
+#define FK_QM65_FAMILY_H
+
 // Closed-form flange of the six-joint arms with parallel joints 2, 3 and a spherical wrist
 // (modified convention, twists 0, pi/2, 0, pi/2, -pi/2, pi/2). The QML63 models add an elbow
 // offset a[3]; QM65 has none.
 #include "fk_terms.h"
-#include "qman_kinematics.h"
 
-namespace {
+namespace fk {
 
-using fk::SinCos;
-
-Matrix elbow_wrist_flange(const DH* dh, const float* q, float elbow_offset) {
-    const fk::JointTrig trig(dh, q, 6);
-    const SinCos j1 = trig[0];
-    const SinCos j2 = trig[1];
-    const SinCos j3 = trig[2];
-    const SinCos j4 = trig[3];
-    const SinCos j5 = trig[4];
-    const SinCos j6 = trig[5];
-    const SinCos j23 = fk::sum(j2, j3);
+inline Matrix elbow_wrist_flange(const DH* dh, const float* q, float elbow_offset) {
+    const auto [j1, j2, j3, j4, j5, j6] = joint_trig<6>(dh, q);
+    const SinCos j23 = sum(j2, j3);
 
     // Wrist rotation R46 folded into R14.
     const float u = j4.c * j5.c * j6.c - j4.s * j6.s;
@@ -25,7 +19,7 @@ Matrix elbow_wrist_flange(const DH* dh, const float* q, float elbow_offset) {
     const float s5c6 = j5.s * j6.c;
     const float s5s6 = j5.s * j6.s;
 
-    fk::Frame f;
+    Frame f;
     f.r[0][0] = j23.c * u - j23.s * s5c6;
     f.r[0][1] = j23.s * s5s6 - j23.c * v;
     f.r[0][2] = j23.c * w + j23.s * j5.c;
@@ -40,17 +34,9 @@ Matrix elbow_wrist_flange(const DH* dh, const float* q, float elbow_offset) {
     f.p[0] = a2 * j2.c + elbow_offset * j23.c + d4 * j23.s + d6 * f.r[0][2];
     f.p[1] = d6 * f.r[1][2];
     f.p[2] = a2 * j2.s + elbow_offset * j23.s - d4 * j23.c + d6 * f.r[2][2];
-    return fk::from_frame1(j1, dh->d[0], f);
+    return from_frame1(j1, dh->d[0], f);
 }
 
-}  // namespace
+}  // namespace fk
 
-extern "C" {
-
-Matrix forward_kinematics_qm65(const DH* dh, const float* q) { return elbow_wrist_flange(dh, q, 0.0f); }
-
-Matrix forward_kinematics_qml63_2(const DH* dh, const float* q) { return elbow_wrist_flange(dh, q, dh->a[3]); }
-
-Matrix forward_kinematics_qml63_3(const DH* dh, const float* q) { return elbow_wrist_flange(dh, q, dh->a[3]); }
-
-}  // extern "C"
+#endif

@@ -1,0 +1,82 @@
+#ifndef POSE_TERMS_H
+#define POSE_TERMS_H
+
+// Euler angles and quaternion of a transform, and products of rigid transforms: the end of
+// every forward kinematics call, kept inline so that call pays no copies of whole matrices.
+// Not part of the library's interface.
+
+#include <cmath>
+
+#include "lane_trig.h"
+#include "robot_define.h"
+
+namespace algo {
+
+// Pitch this close to +-90 degrees folds yaw into roll.
+constexpr float kGimbalLimit = 0.999999f;
+// Deliberately not -pi: -pi comes back as +pi, and angles down to -3.13 stay negative.
+constexpr float kWrapBelow = -3.13f;
+constexpr float kTwoPiF = static_cast<float>(2.0 * ALGO_PI);
+
+// R = Rz(rz) * Ry(ry) * Rx(rx); the three arc tangents in one pass.
+inline Euler euler_of(const Matrix& m) {
+    using lanes::F4;
+    const auto& R = m.data;
+    const float pitch_y = -R[2][0];
+    const float pitch_x = std::sqrt(R[0][0] * R[0][0] + R[1][0] * R[1][0]);
+    const bool gimbal = R[2][0] > kGimbalLimit || R[2][0] < -kGimbalLimit;
+    // Lanes: pitch, roll, yaw. At the gimbal lock yaw is 0 (atan2(0, 1)) and roll takes it up.
+    const F4 y = gimbal ? F4{pitch_y, R[0][1], 0.0f, 0.0f} : F4{pitch_y, R[2][1], R[1][0], 0.0f};
+    const F4 x = gimbal ? F4{pitch_x, R[1][1], 1.0f, 1.0f} : F4{pitch_x, R[2][2], R[0][0], 1.0f};
+    F4 a = lanes::atan2(y, x);
+    if (R[2][0] > kGimbalLimit) a[1] = -a[1];
+    a = lanes::select(a < lanes::splat(kWrapBelow), a + lanes::splat(kTwoPiF), a);
+    return Euler{a[1], a[0], a[2]};
+}
+
+// Branch on the largest diagonal term; no sign normalisation, so w may come out negative. One
+// division, its reciprocal shared by the three other components.
+inline Quat quat_of(const Matrix& m) {
+    const auto& R = m.data;
+    const float trace = R[0][0] + R[1][1] + R[2][2];
+    if (trace > 0.0f) {
+        const float S = 2.0f * std::sqrt(trace + 1.0f), k = 1.0f / S;
+        return Quat{0.25f * S, (R[2][1] - R[1][2]) * k, (R[0][2] - R[2][0]) * k, (R[1][0] - R[0][1]) * k};
+    }
+    if (R[0][0] > R[1][1] && R[0][0] > R[2][2]) {
+        const float S = 2.0f * std::sqrt(1.0f + R[0][0] - R[1][1] - R[2][2]), k = 1.0f / S;
+        return Quat{(R[2][1] - R[1][2]) * k, 0.25f * S, (R[0][1] + R[1][0]) * k, (R[0][2] + R[2][0]) * k};
+    }
+    if (R[1][1] > R[2][2]) {
+        const float S = 2.0f * std::sqrt(1.0f + R[1][1] - R[0][0] - R[2][2]), k = 1.0f / S;
+        return Quat{(R[0][2] - R[2][0]) * k, (R[0][1] + R[1][0]) * k, 0.25f * S, (R[1][2] + R[2][1]) * k};
+    }
+    const float S = 2.0f * std::sqrt(1.0f + R[2][2] - R[0][0] - R[1][1]), k = 1.0f / S;
+    return Quat{(R[1][0] - R[0][1]) * k, (R[0][2] + R[2][0]) * k, (R[1][2] + R[2][1]) * k, 0.25f * S};
+}
+
+inline Pose pose_of(const Matrix& t) {
+    Pose p;
+    p.position = Pos{t.data[0][3], t.data[1][3], t.data[2][3]};
+    p.euler = euler_of(t);
+    p.quaternion = quat_of(t);
+    return p;
+}
+
+// a * b for rigid transforms (last row 0, 0, 0, 1): twelve entries, fixed sizes.
+inline Matrix rigid_product(const Matrix& a, const Matrix& b) {
+    Matrix r;
+    r.irow = r.iline = 4;
+    for (int i = 0; i < 3; ++i) {
+        for (int j = 0; j < 4; ++j)
+            r.data[i][j] = a.data[i][0] * b.data[0][j] + a.data[i][1] * b.data[1][j] + a.data[i][2] * b.data[2][j];
+        r.data[i][3] += a.data[i][3];
+    }
+    r.data[3][0] = r.data[3][1] = r.data[3][2] = 0.0f;
+    r.data[3][3] = 1.0f;
+    return r;
+}
+
+}  // namespace algo
+
+#endif
