@@ -96,6 +96,41 @@ TEST_P(ArmAngle, ReferenceTwoDegreesOffNeverFlipsToAFarBranch) {
     }
 }
 
+TEST_P(ArmAngle, DefaultSearchFindsWhatTheWholeWalkFinds) {
+    // The default search skips runs of arm angles by floors on their costs: a floor above some cost
+    // in its run shows as a different answer from the step-by-step walk, unless the default search
+    // settled on the reference's own branch first.
+    struct Row {
+        const char* targets;
+        bool whole_turns;  // target joints over whole turns, most beyond some limit
+    };
+    const Row rows[] = {{"within limits", false}, {"over whole turns", true}};
+    const int count = 300 / ik_test::kSlowBuildDivisor;
+    for (const Row& row : rows) {
+        std::mt19937 rng(41u + GetParam());
+        std::uniform_real_distribution<float> turn(-static_cast<float>(ALGO_PI), static_cast<float>(ALGO_PI));
+        auto targets = reference::random_joints_within_limits(count, 7u + GetParam());
+        const auto refs = reference::random_joints_within_limits(count, 8u + GetParam());
+        for (int i = 0; i < count; ++i) {
+            SCOPED_TRACE(std::string(row.targets) + " target " + std::to_string(i));
+            if (row.whole_turns)
+                for (int j = 0; j < 7; ++j) targets[i][j] = turn(rng);
+            const Pose pose = ik_test::pose_of(targets[i].data());
+            float out[2][ROBOT_DOF] = {};
+            int rc[2];
+            for (const int strategy : {0, 1}) {
+                ikine_set_7dof_solver_search_strategy(strategy);
+                rc[strategy] = inverse_kinematics(refs[i].data(), &pose, out[strategy], USE_QUAT);
+            }
+            ikine_set_7dof_solver_search_strategy(0);
+            if (rc[0] == IKINE_SUCCESSFUL && ik_test::max_joint_difference(out[0], refs[i].data(), 7) <= 0.35)
+                continue;  // the reference's own branch
+            ASSERT_EQ(rc[0], rc[1]);
+            for (int j = 0; j < 7; ++j) ASSERT_EQ(out[0][j], out[1][j]) << "joint " << j;
+        }
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(
     SevenJointModels, ArmAngle, ::testing::Values(QM75, TAV72, TAV72II), [](const auto& info) {
         return std::string(info.param == QM75 ? "QM75" : info.param == TAV72 ? "TAV72" : "TAV72II");

@@ -8,7 +8,8 @@
 // from are sinusoids in the arm angle, so an arm angle costs a few multiply-adds and two
 // four-lane arc tangents per elbow sign, against the full set of branches. The search skips the
 // elbow signs whose floor cannot beat the best so far: only work that could not change the answer.
-// Not part of the library's interface.
+// The same terms, with bounds on how fast each joint turns with the arm angle, give a floor over a
+// whole run of arm angles from the run's middle one. Not part of the library's interface.
 
 #include <cmath>
 
@@ -29,23 +30,42 @@ public:
                 entries_of(*shoulder[p], p, parts_[e][0]);
                 entries_of(wrist, p, parts_[e][1]);
             }
+            // The axes the shoulder and the wrist turn about, at unit rate, as the arm angle grows:
+            // the shoulder-wrist line, and for the wrist the same seen from the elbow, reversed.
+            const Vec3& s = t.axis;
+            axes_[e][0] = s;
+            const float v[3] = {b.shoulder0[0][0] * s.x + b.shoulder0[1][0] * s.y + b.shoulder0[2][0] * s.z,
+                                b.shoulder0[0][1] * s.x + b.shoulder0[1][1] * s.y + b.shoulder0[2][1] * s.z,
+                                b.shoulder0[0][2] * s.x + b.shoulder0[1][2] * s.y + b.shoulder0[2][2] * s.z};
+            axes_[e][1] = {-(b.c4 * v[0] - b.s4 * v[2]), -v[1], -(b.s4 * v[0] + b.c4 * v[2])};
             const float q4 = joint_value(in, 3, b.t4);
             const float d4 = std::fmax(0.0f, std::fabs(q4 - in.q_ref[3]) - kAngleSlack);
             joint4_[e] = q4 >= in.limits.min[3] && q4 <= in.limits.max[3] ? d4 * d4 : INFINITY;
         }
         for (int k = 0; k < 2; ++k) {
+            const float first = std::remainder(theta_ref[4 * k], kTwoPi);
+            const float last = std::remainder(theta_ref[4 * k + 2], kTwoPi);
+            joints_[k].pair[0] = std::remainder(first + last, kTwoPi);
+            joints_[k].pair[1] = std::remainder(first - last, kTwoPi);
             for (int i = 0; i < 3; ++i) {
                 const int j = 4 * k + i;
                 joints_[k].ref[i] = in.q_ref[j];
                 joints_[k].angle[i] = std::remainder(theta_ref[j], kTwoPi);
-                joints_[k].lo[i] = in.limits.min[j];
-                joints_[k].hi[i] = in.limits.max[j];
+                const float lo = in.limits.min[j], hi = in.limits.max[j];
+                joints_[k].lo[i] = lo;
+                joints_[k].hi[i] = hi;
+                const float nearest = std::fmin(hi, std::fmax(lo, in.q_ref[j]));
+                joints_[k].outside[i] = std::fabs(in.q_ref[j] - nearest);
+                joints_[k].shift[i] =
+                    static_cast<float>(std::remainder(double(in.q_ref[j]) - nearest, 2.0 * ALGO_PI));
+                joints_[k].lo_seen[i] = lo - nearest;
+                joints_[k].hi_seen[i] = hi - nearest;
             }
         }
     }
 
     // Floors of each elbow sign (infinite where none can be within the limits) at four arm
-    // angles, from their sines and cosines.
+    // angles, or over four runs of them.
     struct Floors {
         lanes::F4 elbow[2];
 
@@ -55,17 +75,53 @@ public:
         // best, and no more than ceiling.
         int could_beat(int elbows, int lane, double best, double ceiling) const {
             for (int e = 0; e < 2; ++e) {
-                const double floor = double(elbow[e][lane]) * (1.0 - kRelativeSlack) - kSlack;
-                if (floor >= best || floor > ceiling) elbows &= ~(1 << e);
+                if (!may_beat(elbow[e][lane], best) || below(elbow[e][lane]) > ceiling) elbows &= ~(1 << e);
             }
             return elbows;
         }
     };
+
+    // True when a branch whose floor is `floor` may cost less than best.
+    static bool may_beat(float floor, double best) { return below(floor) < best; }
+
+    // At the arm angles whose sines and cosines are sn and cs.
     Floors at(lanes::F4 sn, lanes::F4 cs) const {
         Floors f;
         for (int e = 0; e < 2; ++e) {
-            f.elbow[e] = lanes::splat(joint4_[e]) + triple_floor(parts_[e][0], joints_[0], sn, cs) +
-                         triple_floor(parts_[e][1], joints_[1], sn, cs);
+            if (joint4_[e] == INFINITY) {
+                f.elbow[e] = lanes::splat(INFINITY);
+                continue;
+            }
+            const Triple shoulder = triple_angles(parts_[e][0], joints_[0], sn, cs);
+            const Triple wrist = triple_angles(parts_[e][1], joints_[1], sn, cs);
+            f.elbow[e] = lanes::splat(joint4_[e]) + triple_floor(shoulder, joints_[0]) +
+                         triple_floor(wrist, joints_[1]);
+        }
+        return f;
+    }
+
+    // Over every arm angle within reach (rad) of those whose sines and cosines are sn and cs.
+    Floors over(lanes::F4 sn, lanes::F4 cs, lanes::F4 reach) const {
+        Floors f;
+        for (int e = 0; e < 2; ++e) {
+            if (joint4_[e] == INFINITY) {
+                f.elbow[e] = lanes::splat(INFINITY);
+                continue;
+            }
+            const Shares shoulder = triple_bound(parts_[e][0], axes_[e][0], joints_[0], sn, cs, reach);
+            const Shares wrist = triple_bound(parts_[e][1], axes_[e][1], joints_[1], sn, cs, reach);
+            // Per branch the better of the two bounds, then the least over the branches.
+            const F4 half_square = lanes::splat(0.5f) * reach * reach;
+            F4 lowest = lanes::splat(INFINITY);
+            for (const Share& sh : shoulder.twin) {
+                for (const Share& wr : wrist.twin) {
+                    const F4 taylor = sh.sum + wr.sum - lanes::abs(sh.rate + wr.rate) * reach -
+                                      (sh.curve + wr.curve) * half_square - lanes::splat(kTaylorSlack);
+                    const F4 floor = sh.floor + wr.floor;
+                    lowest = lanes::min(lowest, lanes::max(taylor, floor));
+                }
+            }
+            f.elbow[e] = lanes::splat(joint4_[e]) + lowest;
         }
         return f;
     }
@@ -74,16 +130,27 @@ private:
     using F4 = lanes::F4;
     using I4 = lanes::I4;
 
-    // Slack for the single-precision rounding of the entries and angles, well above it.
-    static constexpr float kAngleSlack = 1e-4f;
-    static constexpr double kSlack = 2e-3;
-    static constexpr double kRelativeSlack = 1e-4;
+    // Slack for the single-precision rounding of the entries and angles, well above it. The
+    // entries the solver and the floor read differ by about 5e-7, which moves the outer angles by
+    // about that over |sin b|; the sum of the squares is rounded to about 3e-7 of itself.
+    static constexpr float kAngleSlack = 2e-6f;
+    static constexpr float kOuterSlack = 4e-6f;  // times 1 / |sin b|
+    static constexpr float kBoundSlack = 1e-4f;  // for the bounds over runs, loose anyway
+    static constexpr float kTaylorSlack = 1e-2f;
+    static constexpr double kSlack = 1e-6;
+    static constexpr double kRelativeSlack = 2e-6;
     // Below this |sin| of the middle angle the outer joints' angles are ill-conditioned (and at
-    // the singularity the solver takes the reference's): they add nothing to the floor.
-    static constexpr float kIllConditioned = 0.02f;
+    // the singularity the solver takes the reference's): they add nothing to the floor. Over runs
+    // of arm angles, where the bounds on their movement grow as 1 / |sin b|, they add nothing
+    // below the second.
+    static constexpr float kIllConditioned = 1e-4f;
+    static constexpr float kNearSingular = 0.02f;
+
+    static double below(float floor) { return double(floor) * (1.0 - kRelativeSlack) - kSlack; }
 
     // The Z-Y-Z entries the three angles are read from: r02, r12, r22, r00, r10, r20.
-    enum Entry { k02, k12, k22, k00, k10, k20, kEntries };
+    // r01 and r11 too for the bounds over runs: they give a + c and a - c.
+    enum Entry { k02, k12, k22, k00, k10, k20, kAngleEntries, k01 = kAngleEntries, k11, kEntries };
     using Entries = float[3][kEntries];  // per part: sin, cos, constant
 
     static void entries_of(const Mat3 m, int part, Entries& out) {
@@ -93,67 +160,195 @@ private:
         out[part][k00] = m[0][0];
         out[part][k10] = m[1][0];
         out[part][k20] = m[2][0];
+        out[part][k01] = m[0][1];
+        out[part][k11] = m[1][1];
     }
 
-    // The reference's value, its angle (offset in, within half a turn) and the limits of the
-    // joints of one Z-Y-Z triple.
+    // Per joint of one Z-Y-Z triple: the reference's value, its angle (offset in, within half a
+    // turn), the limits; and from the in-limit value nearest the reference: the reference's
+    // distance and turn (within half a turn), and the limits.
     struct Joints {
-        float ref[3], angle[3], lo[3], hi[3];
+        float ref[3], angle[3], lo[3], hi[3], outside[3], shift[3];
+        float lo_seen[3], hi_seen[3];  // the limits, from the nearest value
+        float pair[2];                 // the reference's a + c and a - c, within half a turn
     };
 
     static F4 within_half_turn(F4 a) {
         a = lanes::select(a > lanes::splat(kPi), a - lanes::splat(kTwoPi), a);
         return lanes::select(a < lanes::splat(-kPi), a + lanes::splat(kTwoPi), a);
     }
+    static F4 twin_of(F4 delta) {
+        const F4 half = lanes::splat(kPi);
+        return lanes::select(delta > lanes::splat(0.0f), delta - half, delta + half);
+    }
 
     // Squared distance from the reference of the joint whose angle is `delta` (signed, within
     // half a turn) away from the reference's, as the solver turns it into the limits: the
     // nearest turn, or the next towards the limits, or infinite when it clearly has none there.
     // Rounding goes the floor's way.
-    static F4 joint_floor(F4 delta, const Joints& j, int i) {
-        const F4 slack = lanes::splat(kAngleSlack), turn = lanes::splat(kTwoPi), zero = lanes::splat(0.0f);
-        const F4 lo = lanes::splat(j.lo[i] - kAngleSlack), hi = lanes::splat(j.hi[i] + kAngleSlack);
+    static F4 joint_floor(F4 delta, F4 slack, const Joints& j, int i) {
+        const F4 turn = lanes::splat(kTwoPi), zero = lanes::splat(0.0f);
+        const F4 lo = lanes::splat(j.lo[i]) - slack, hi = lanes::splat(j.hi[i]) + slack;
         const F4 ref = lanes::splat(j.ref[i]);
         const F4 near = lanes::abs(delta) - slack;
-        const F4 d = lanes::select(near > zero, near, zero);
+        const F4 d = lanes::max(near, zero);
         const F4 q = ref + delta;
         const I4 below = q < lo, above = q > hi;
         const F4 moved = q + lanes::select(below, turn, zero) - lanes::select(above, turn, zero);
         const F4 far_raw = lanes::abs(moved - ref) - slack;
-        const F4 far = lanes::select(far_raw > zero, far_raw, zero);
+        const F4 far = lanes::max(far_raw, zero);
         const F4 moved_floor = lanes::select((moved < lo) | (moved > hi), lanes::splat(INFINITY), far * far);
         // At half a turn either way round may be the solver's.
-        const I4 decided = (below | above) & (lanes::abs(delta) <= lanes::splat(kPi - kAngleSlack));
+        const I4 decided = (below | above) & (lanes::abs(delta) <= lanes::splat(kPi) - slack);
         return lanes::select(decided, moved_floor, d * d);
     }
 
-    // Least floor of the three joints over both Z-Y-Z twins (a, b, c) and (a + pi, -b, c + pi).
-    static F4 triple_floor(const Entries& m, const Joints& j, F4 sn, F4 cs) {
-        F4 r[kEntries];
-        for (int i = 0; i < kEntries; ++i) r[i] = m[0][i] * sn + m[1][i] * cs + lanes::splat(m[2][i]);
-        const F4 sb = lanes::sqrt(r[k02] * r[k02] + r[k12] * r[k12]);
+    // Squared distance from the reference of the nearest in-limit value of a joint whose angle
+    // is anywhere within `move` of `delta` away from the reference's, or infinite when none is
+    // within the limits. Seen from the in-limit value nearest the reference, the values are an
+    // arc around a centre within half a turn, on every turn; the nearest in-limit one lies on the
+    // arc itself or on its turn across half a turn (any other turn is farther than the arc).
+    static F4 joint_bound(F4 delta, F4 move, const Joints& j, int i) {
+        const F4 zero = lanes::splat(0.0f);
+        const F4 lo = lanes::splat(j.lo_seen[i] - kBoundSlack), hi = lanes::splat(j.hi_seen[i] + kBoundSlack);
+        const F4 centre = within_half_turn(delta + lanes::splat(j.shift[i]));
+        const F4 across = centre + lanes::select(centre > zero, lanes::splat(-kTwoPi), lanes::splat(kTwoPi));
+        F4 gap = lanes::splat(INFINITY);
+        for (const F4 c : {centre, across}) {
+            const F4 from = c - move, to = c + move;
+            const F4 in_lo = lanes::max(from, lo), in_hi = lanes::min(to, hi);
+            // lo <= 0 <= hi: the larger of in_lo and -in_hi is the in-limit part's distance from 0.
+            const F4 apart = lanes::max(in_lo, -in_hi);
+            gap = lanes::select(in_lo <= in_hi, lanes::min(gap, lanes::max(apart, zero)), gap);
+        }
+        const F4 raw = gap + lanes::splat(j.outside[i] - kBoundSlack);
+        const F4 d = lanes::max(raw, zero);
+        return d * d;
+    }
+
+    // One Z-Y-Z triple at four arm angles: |sin b| and each angle's difference from the
+    // reference's, within half a turn; the middle one's for both twins b and -b.
+    struct Triple {
+        F4 sb, a, b, twin_b, c;
+        F4 x, y, z;  // column 2
+    };
+    static Triple triple_angles(const Entries& m, const Joints& j, F4 sn, F4 cs) {
+        F4 r[kAngleEntries];
+        for (int i = 0; i < kAngleEntries; ++i) r[i] = m[0][i] * sn + m[1][i] * cs + lanes::splat(m[2][i]);
+        Triple t;
+        t.sb = lanes::sqrt(r[k02] * r[k02] + r[k12] * r[k12]);
         // a, b and c as the solver forms them (c's direction times sin b).
         const F4 a = lanes::atan2(r[k12], r[k02]);
-        const F4 b = lanes::atan2(sb, r[k22]);
+        const F4 b = lanes::atan2(t.sb, r[k22]);
         const F4 c = lanes::atan2(r[k02] * r[k10] - r[k12] * r[k00],
-                                  r[k22] * (r[k02] * r[k00] + r[k12] * r[k10]) - sb * sb * r[k20]);
-        const F4 da = within_half_turn(a - lanes::splat(j.angle[0]));
-        const F4 dc = within_half_turn(c - lanes::splat(j.angle[2]));
-        const F4 half = lanes::splat(kPi);
-        const F4 twin_da = lanes::select(da > lanes::splat(0.0f), da - half, da + half);
-        const F4 twin_dc = lanes::select(dc > lanes::splat(0.0f), dc - half, dc + half);
-        const F4 middle = joint_floor(within_half_turn(b - lanes::splat(j.angle[1])), j, 1);
-        const F4 twin_middle = joint_floor(within_half_turn(-b - lanes::splat(j.angle[1])), j, 1);
-        const F4 own = joint_floor(da, j, 0) + middle + joint_floor(dc, j, 2);
-        const F4 twin = joint_floor(twin_da, j, 0) + twin_middle + joint_floor(twin_dc, j, 2);
-        const F4 least = lanes::select(own < twin, own, twin);
-        const F4 least_middle = lanes::select(middle < twin_middle, middle, twin_middle);
-        return lanes::select(sb < lanes::splat(kIllConditioned), least_middle, least);
+                                  r[k22] * (r[k02] * r[k00] + r[k12] * r[k10]) - t.sb * t.sb * r[k20]);
+        t.a = within_half_turn(a - lanes::splat(j.angle[0]));
+        t.b = within_half_turn(b - lanes::splat(j.angle[1]));
+        t.twin_b = within_half_turn(-b - lanes::splat(j.angle[1]));
+        t.c = within_half_turn(c - lanes::splat(j.angle[2]));
+        t.x = r[k02];
+        t.y = r[k12];
+        t.z = r[k22];
+        return t;
+    }
+
+    // Least floor of the three joints over both Z-Y-Z twins (a, b, c) and (a + pi, -b, c + pi).
+    static F4 triple_floor(const Triple& t, const Joints& j) {
+        const F4 slack = lanes::splat(kAngleSlack);
+        const F4 outer = slack + lanes::splat(kOuterSlack) / t.sb;
+        const F4 middle = joint_floor(t.b, slack, j, 1);
+        const F4 twin_middle = joint_floor(t.twin_b, slack, j, 1);
+        const F4 own = joint_floor(t.a, outer, j, 0) + middle + joint_floor(t.c, outer, j, 2);
+        const F4 twin =
+            joint_floor(twin_of(t.a), outer, j, 0) + twin_middle + joint_floor(twin_of(t.c), outer, j, 2);
+        return lanes::select(t.sb < lanes::splat(kIllConditioned), lanes::min(middle, twin_middle),
+                             lanes::min(own, twin));
+    }
+
+    // A floor under joints a and c together over the arm angles within reach, which holds near the
+    // singularity too: their squares add up to at least half the square of a + c's distance from
+    // the reference's (a - c's where b is past a right angle), and R's upper-left entries give
+    // that sum (difference) well at any b. a' + c' = w_z + w.u tan(b/2) and a' - c' = w_z -
+    // w.u cot(b/2), so it turns at most 1 / cos(b/2) (1 / sin(b/2)) as fast.
+    static F4 pair_floor(const Entries& m, const Triple& t, const Joints& j, F4 sn, F4 cs, F4 reach) {
+        const auto entry = [&](int i) { return m[0][i] * sn + m[1][i] * cs + lanes::splat(m[2][i]); };
+        const F4 r00 = entry(k00), r10 = entry(k10), r01 = entry(k01), r11 = entry(k11);
+        const F4 zero = lanes::splat(0.0f), half = lanes::splat(0.5f);
+        const I4 upper = t.z >= zero;
+        const F4 angle = lanes::atan2(lanes::select(upper, r10 - r01, -(r10 + r01)),
+                                      lanes::select(upper, r00 + r11, r11 - r00));
+        const F4 delta =
+            within_half_turn(angle - lanes::select(upper, lanes::splat(j.pair[0]), lanes::splat(j.pair[1])));
+        const F4 cos_half = lanes::sqrt(lanes::max(half + half * t.z, zero));
+        const F4 sin_half = lanes::sqrt(lanes::max(half - half * t.z, zero));
+        // cos and sin of (b +- reach) / 2, from below.
+        const F4 shrink = lanes::splat(1.0f) - lanes::splat(0.125f) * reach * reach, turn = half * reach;
+        const F4 rate =
+            lanes::select(upper, cos_half * shrink - sin_half * turn, sin_half * shrink - cos_half * turn);
+        const F4 move = lanes::select(rate > lanes::splat(1e-3f), reach / rate, lanes::splat(INFINITY));
+        const F4 d = lanes::max(lanes::abs(delta) - move - lanes::splat(kBoundSlack), zero);
+        return half * d * d;
+    }
+
+    // A triple's share of an elbow sign's bound over the arm angles within reach of four, for one
+    // twin: the joints' floors (infinite where one cannot be within its limits) and, for a second
+    // bound, the sum of their squared distances at the four with its rate and a bound on how fast
+    // that rate falls within reach.
+    struct Share {
+        F4 floor, sum, rate, curve;
+    };
+    struct Shares {
+        Share twin[2];
+    };
+
+    // The shoulder and the wrist turn at unit rate about `axis` with the arm angle, so b moves by
+    // at most reach and |sin b| falls by at most as much; a and c turn at most 1 / |sin b| as fast,
+    // by at most reach / (|sin b| - reach) in all. Their second rates are at most 2 / sin^2 b,
+    // b's at most 1 / |sin b|. Near the singularity a and c may be anywhere, and near half a turn
+    // from the reference a joint's distance has a kink: such joints add nothing to the second
+    // bound.
+    static Shares triple_bound(const Entries& m, const Vec3& axis, const Joints& j, F4 sn, F4 cs, F4 reach) {
+        const Triple t = triple_angles(m, j, sn, cs);
+        const F4 zero = lanes::splat(0.0f), one = lanes::splat(1.0f);
+        const F4 low = t.sb - reach;  // |sin b| within reach
+        const I4 regular = low > lanes::splat(kNearSingular);
+        const F4 pair = pair_floor(m, t, j, sn, cs, reach);
+        const F4 inv = one / t.sb, inv_low = one / lanes::select(regular, low, one);
+        const F4 outer_move = lanes::select(regular, reach * inv_low, lanes::splat(INFINITY));
+        // a', b', c' at the four from the spatial angular velocity: c' = w.u / sin b,
+        // b' = w.u_perp, a' = w_z - cot b * w.u / sin b, with u the unit (cos a, sin a, 0).
+        const F4 along = lanes::splat(axis.x) * t.x + lanes::splat(axis.y) * t.y;   // sin b * w.u
+        const F4 across = lanes::splat(axis.y) * t.x - lanes::splat(axis.x) * t.y;  // sin b * w.u_perp
+        const F4 rate_c = along * inv * inv;
+        const F4 rate_b = across * inv;
+        const F4 rate_a = lanes::splat(axis.z) - t.z * rate_c;
+        const F4 outer_curve = lanes::splat(2.0f) * inv_low * inv_low;
+        const F4 middle_curve = inv_low;
+        const auto add = [&](Share& s, F4 delta, F4 rate, F4 move, F4 curve, int i) {
+            if (i != 1) s.floor += joint_bound(delta, move, j, i);
+            const F4 far = lanes::abs(delta) + move;
+            const I4 smooth = regular & (far < lanes::splat(kPi - kBoundSlack));
+            s.sum += lanes::select(smooth, delta * delta, zero);
+            s.rate += lanes::select(smooth, lanes::splat(2.0f) * delta * rate, zero);
+            s.curve +=
+                lanes::select(smooth, lanes::splat(2.0f) * (far + lanes::splat(kBoundSlack)) * curve, zero);
+        };
+        Shares out;
+        for (int k = 0; k < 2; ++k) {
+            Share& s = out.twin[k];
+            s = {zero, zero, zero, zero};
+            add(s, k == 0 ? t.a : twin_of(t.a), rate_a, outer_move, outer_curve, 0);
+            add(s, k == 0 ? t.b : t.twin_b, k == 0 ? rate_b : -rate_b, reach, middle_curve, 1);
+            add(s, k == 0 ? t.c : twin_of(t.c), rate_c, outer_move, outer_curve, 2);
+            s.floor = lanes::max(s.floor, pair) + joint_bound(k == 0 ? t.b : t.twin_b, reach, j, 1);
+        }
+        return out;
     }
 
     Entries parts_[2][2];  // per elbow sign: shoulder, wrist
     Joints joints_[2];     // 1-3 and 5-7
     float joint4_[2];      // joint 4's squared distance, infinite outside its limits
+    Vec3 axes_[2][2];      // per elbow sign: the shoulder's and the wrist's turning axis
 };
 
 }  // namespace algo::ik

@@ -3,8 +3,9 @@
 // visits: the reference's own, those where a singular shoulder or wrist lets the outer joints
 // keep the reference's values, and a grid of Q_STEP_MIN steps within the solution range.
 // Strategy 0 settles at the reference's arm angle when its own branch there is within the
-// limits, and otherwise stops the grid once no arm angle left can hold a nearer branch;
-// strategy 1 always walks the whole range.
+// limits, and otherwise looks at the grid in runs, cheapest floor first, until no arm angle left
+// can hold a nearer branch; strategy 1 walks the whole range step by step. Both give the same
+// answer past the reference's arm angle.
 
 #include <array>
 #include <cmath>
@@ -12,6 +13,7 @@
 
 #include "inv_kinematics_arm_angle.h"
 #include "inv_kinematics_arm_angle_floor.h"
+#include "inv_kinematics_arm_angle_runs.h"
 #include "qman_inv_kinematics.h"
 
 namespace algo::ik {
@@ -69,73 +71,6 @@ bool own_branch_within_limits(const SolveInput& in, const IkSolve& solve) {
         if (j == in.dof && within_limits(q, in.dof, in.limits)) return true;
     }
     return false;
-}
-
-// Angle (rad) of the rotation taking a to b.
-double rotation_between(const Mat3 a, const Mat3 b) {
-    double m[3][3];
-    for (int i = 0; i < 3; ++i) {
-        for (int j = 0; j < 3; ++j)
-            m[i][j] = double(a[0][i]) * b[0][j] + double(a[1][i]) * b[1][j] + double(a[2][i]) * b[2][j];
-    }
-    const double sx = m[2][1] - m[1][2], sy = m[0][2] - m[2][0], sz = m[1][0] - m[0][1];
-    return std::atan2(0.5 * std::sqrt(sx * sx + sy * sy + sz * sz),
-                      0.5 * (m[0][0] + m[1][1] + m[2][2] - 1.0));
-}
-
-// A lower bound on the distance from the reference of any branch at a given arm angle.
-// Turning the arm angle by d turns both the shoulder R_S = Rz(t1)*Ry(t2)*Rz(t3) and the wrist
-// Rz(t5)*Ry(t6)*Rz(t7) by d, and a rotation of angle r moves the three joints of a Z-Y-Z triple
-// by at least r in sum, so by r^2/3 in squares. Per elbow sign, with the arm angle centre[e]
-// nearest the reference and the reference's remaining shoulder and wrist rotations from there:
-//   cost >= (q4 - ref4)^2 + max(0, d - shoulder_gap)^2 / 3 + max(0, d - wrist_gap)^2 / 3.
-struct SearchBound {
-    double centre_away[2];  // |centre - psi0| round the circle
-    double shoulder_gap[2];
-    double wrist_gap[2];
-    double joint4_cost[2];  // infinite for an elbow sign outside joint 4's limits
-};
-
-// Slack for the single-precision rounding of the arm angles and rotations.
-constexpr double kBoundSlack = 1e-4;
-
-SearchBound search_bound(const SolveInput& in, const ArmAngleTarget& t, const float* theta_ref, float psi0) {
-    SearchBound bound;
-    Mat3 shoulder_ref, wrist_ref;
-    zyz_matrix(theta_ref[0], theta_ref[1], theta_ref[2], shoulder_ref);
-    zyz_matrix(theta_ref[4], theta_ref[5], theta_ref[6], wrist_ref);
-    for (int e = 0; e < 2; ++e) {
-        const ElbowBranch& b = t.elbow[e];
-        const float centre = arm_angle_between(shoulder_ref, b.shoulder0, t.axis);
-        bound.centre_away[e] = std::fabs(std::remainder(double(centre) - psi0, 2.0 * ALGO_PI));
-        Mat3 shoulder, wrist;
-        shoulder_at(b, centre, shoulder);
-        wrist_rotation(b, shoulder, t.rotation, wrist);
-        bound.shoulder_gap[e] = rotation_between(shoulder, shoulder_ref) + kBoundSlack;
-        bound.wrist_gap[e] = rotation_between(wrist, wrist_ref) + kBoundSlack;
-        const float q4 = joint_value(in, 3, b.t4);
-        const bool within = q4 >= in.limits.min[3] && q4 <= in.limits.max[3];
-        bound.joint4_cost[e] = within ? (double(q4) - in.q_ref[3]) * (double(q4) - in.q_ref[3]) : INFINITY;
-    }
-    return bound;
-}
-
-// Lowest cost a branch of each elbow sign can have at the arm angles psi0 + s*d, s = +-1,
-// from <= d <= range.
-void lowest_costs_beyond(const SearchBound& bound, float from, float range, double lowest[2]) {
-    for (int e = 0; e < 2; ++e) {
-        const double rel = bound.centre_away[e];
-        double d = 0.0;  // from the centre to the nearest arm angle left
-        if (rel < from) {
-            d = from - rel;
-        } else if (rel > range) {
-            d = std::fmin(rel - range, 2.0 * ALGO_PI - rel - range);
-        }
-        d = std::fmax(0.0, d - kBoundSlack);
-        const double s = std::fmax(0.0, d - bound.shoulder_gap[e]);
-        const double w = std::fmax(0.0, d - bound.wrist_gap[e]);
-        lowest[e] = bound.joint4_cost[e] + (s * s + w * w) / 3.0;
-    }
 }
 
 // Which elbow signs can have a branch within the limits at an arm angle, judged from the middle
@@ -245,15 +180,23 @@ public:
                 if (near[k]) try_singular(k, psi0_, kSingularWindow);
             }
         }
-        const bool bounded = strategy == 0;
-        if (bounded && own_branch_within_limits(in_, out_)) return out_.num;
+        if (strategy == 0 && own_branch_within_limits(in_, out_)) return out_.num;
         if (!near[0] && !near[1]) best_ = solution_cost(in_, out_);
         // Leaving the reference's arm angle: first wherever in the range the shoulder or wrist
         // can keep the reference's outer joints, then the grid.
         for (int k = 0; k < 2; ++k) try_singular(k, psi0_, range);
-        SearchBound bound{};
-        if (bounded) bound = search_bound(in_, t_, theta_ref_.data(), psi0_);
         const int steps = static_cast<int>(range / Q_STEP_MIN + 1e-3f);
+        if (strategy == 0) {
+            search_runs(steps);
+        } else {
+            walk(steps);
+        }
+        return out_.num;
+    }
+
+private:
+    // Every step of the grid in turn, both sides.
+    void walk(int steps) {
         const int blocks = (steps + 1) / 2;
         for (int n = 0; n < blocks; ++n) {
             // Far enough out that the nearest branches are not close by: the cheapest-looking arm
@@ -263,24 +206,100 @@ public:
             if (n == kBlocksBeforeCeiling) ceiling_ = cheapest_from(n, blocks, steps);
             const GridBlock& g = grid_block(n);
             for (int i = 0; i < 2 && g.step[i] <= steps; ++i) {
-                int elbows = kBothElbows;
-                if (bounded) {
-                    double lowest[2];
-                    lowest_costs_beyond(bound, static_cast<float>(g.step[i]) * Q_STEP_MIN, range, lowest);
-                    elbows = (lowest[0] < best_ ? 1 : 0) | (lowest[1] < best_ ? 2 : 0);
-                    if (elbows == 0) return out_.num;
-                }
                 for (int side = 0; side < 2; ++side) {
                     const int lane = 2 * i + side;
-                    const int possible = middle_.possible(elbows, g.sn[lane], g.cs[lane]);
-                    evaluate_among(g.psi[lane], g.floors.could_beat(possible, lane, best_, ceiling_));
+                    const int possible = middle_.possible(kBothElbows, g.sn[lane], g.cs[lane]);
+                    evaluate_among(g.psi[lane], g.floors.could_beat(possible, lane, best_, ceiling_),
+                                   walk_order(g.step[i], side == 0 ? 1 : -1));
                 }
             }
         }
-        return out_.num;
     }
 
-private:
+    // The grid in runs of steps, cheapest floor first. A run's floor comes from its middle arm
+    // angle and how far the joints can move within the run; a run that could beat the best so far
+    // is split in four, down to single arm angles, whose branches are worked out in order of their
+    // floors. Once no floor left is below the best cost, no arm angle left can be nearer. The walk's
+    // order decides between equal costs, so the answer is the walk's.
+    void search_runs(int steps) {
+        Queue queue;
+        RunBatch batch;
+        for (const int side : {1, -1}) {
+            for (int first = 1; first <= steps; first += kRootRun)
+                add_run(batch, queue, first, std::min(kRootRun, steps - first + 1), side);
+        }
+        bound_runs(batch, queue);
+        while (!queue.empty()) {
+            const GridRun run = queue.pop();
+            if (!CostFloor::may_beat(run.key, best_)) return;
+            if (run.count == 1) {
+                int elbows = 0;
+                for (int e = 0; e < 2; ++e) elbows |= CostFloor::may_beat(run.floor[e], best_) ? 1 << e : 0;
+                evaluate(grid_angle(run.first, run.side), elbows, walk_order(run.first, run.side));
+                continue;
+            }
+            const int span = (run.count + 3) / 4;
+            const int end = run.first + run.count;
+            for (int first = run.first; first < end; first += span)
+                add_run(batch, queue, first, std::min(span, end - first), run.side);
+            bound_runs(batch, queue);
+        }
+    }
+
+    static constexpr int kMaxSteps = static_cast<int>(Q_STEP_MAX / Q_STEP_MIN) + 1;
+    static constexpr int kRootRun = 16;          // steps
+    static constexpr float kReachSlack = 1e-5f;  // rad, for the rounding of the arm angles
+    // Each run holds its steps, and is split into at least two: per side no more runs than twice
+    // the steps ever wait.
+    using Queue = RunQueue<4 * kMaxSteps>;
+
+    // Up to four runs whose floors come in one pass.
+    struct RunBatch {
+        GridRun run[4];
+        int size = 0;
+    };
+    void add_run(RunBatch& batch, Queue& queue, int first, int count, int side) {
+        GridRun& run = batch.run[batch.size++];
+        run.first = static_cast<int16_t>(first);
+        run.count = static_cast<int16_t>(count);
+        run.side = static_cast<int8_t>(side);
+        if (batch.size == 4) bound_runs(batch, queue);
+    }
+
+    // The floors of the runs in batch, which then wait in queue if they could beat the best.
+    void bound_runs(RunBatch& batch, Queue& queue) {
+        if (batch.size == 0) return;
+        lanes::F4 psi{}, reach{};
+        bool single = true;
+        for (int lane = 0; lane < 4; ++lane) {
+            const GridRun& run = batch.run[std::min(lane, batch.size - 1)];
+            const int middle = run.first + (run.count - 1) / 2;
+            psi[lane] = grid_angle(middle, run.side);
+            const int farthest = std::max(middle - run.first, run.first + run.count - 1 - middle);
+            reach[lane] = static_cast<float>(farthest) * Q_STEP_MIN + kReachSlack;
+            single = single && run.count == 1;
+        }
+        lanes::F4 sn, cs;
+        lanes::sincos(psi, sn, cs);
+        const CostFloor::Floors floors = single ? floor_.at(sn, cs) : floor_.over(sn, cs, reach);
+        for (int lane = 0; lane < batch.size; ++lane) {
+            GridRun& run = batch.run[lane];
+            run.floor[0] = floors.elbow[0][lane];
+            run.floor[1] = floors.elbow[1][lane];
+            run.key = floors.least(lane);
+            if (CostFloor::may_beat(run.key, best_)) queue.push(run);
+        }
+        batch.size = 0;
+    }
+
+    float grid_angle(int step, int side) const {
+        const float offset = static_cast<float>(step) * Q_STEP_MIN;
+        return side > 0 ? psi0_ + offset : psi0_ - offset;
+    }
+    // Where the walk reaches a step: up, then down, one step after another, after the arm
+    // angles tried before the grid (order 0).
+    static int walk_order(int step, int side) { return 2 * step + (side > 0 ? 0 : 1); }
+
     // Two steps of the grid, both sides: the floors of their four arm angles come in one pass.
     struct GridBlock {
         int step[2];
@@ -327,21 +346,23 @@ private:
         return solution_cost(in_, candidate_);
     }
 
-    // The set at psi becomes the answer when its best branch is strictly nearer. A set looked at
-    // for one elbow sign only is completed first: the answer lists every branch of its arm angle.
-    void evaluate(float psi, int elbows = kBothElbows) {
-        evaluate_among(psi, middle_.possible(elbows, std::sin(psi), std::cos(psi)));
+    // The set at psi becomes the answer when its best branch is nearer, or as near and reached
+    // earlier by the walk (order, see walk_order). A set looked at for one elbow sign only is
+    // completed first: the answer lists every branch of its arm angle.
+    void evaluate(float psi, int elbows = kBothElbows, int order = 0) {
+        evaluate_among(psi, middle_.possible(elbows, std::sin(psi), std::cos(psi)), order);
     }
 
-    void evaluate_among(float psi, int elbows) {
+    void evaluate_among(float psi, int elbows, int order) {
         if (elbows == 0) {
             begin_solutions(in_, candidate_);  // nothing there within the limits
             return;
         }
         branches_at(in_, t_, theta_ref_.data(), psi, candidate_, elbows);
         const double cost = solution_cost(in_, candidate_);
-        if (cost < best_) {
+        if (cost < best_ || (cost == best_ && order < best_order_)) {
             best_ = cost;
+            best_order_ = order;
             if (elbows == kBothElbows) {
                 out_ = candidate_;
             } else {
@@ -406,6 +427,7 @@ private:
     AxisBlend axes_[2];  // of the reference's elbow sign, made on first use
     bool axes_ready_ = false;
     double best_ = INFINITY;
+    int best_order_ = 0;         // walk_order of the answer's arm angle
     double ceiling_ = INFINITY;  // the cost of some grid arm angle
     IkSolve candidate_;
     std::array<GridBlock, kMaxBlocks> grid_;

@@ -20,7 +20,21 @@ constexpr F4 splat(float v) { return F4{v, v, v, v}; }
 inline F4 select(I4 mask, F4 yes, F4 no) {
     return reinterpret_cast<F4>((mask & reinterpret_cast<I4>(yes)) | (~mask & reinterpret_cast<I4>(no)));
 }
-inline F4 sqrt(F4 v) { return F4{std::sqrt(v[0]), std::sqrt(v[1]), std::sqrt(v[2]), std::sqrt(v[3])}; }
+inline F4 sqrt(F4 v) {
+#if defined(__SSE__)
+    return __builtin_ia32_sqrtps(v);  // correctly rounded, as std::sqrt
+#else
+    return F4{std::sqrt(v[0]), std::sqrt(v[1]), std::sqrt(v[2]), std::sqrt(v[3])};
+#endif
+}
+// The larger and the smaller of each pair of lanes; b where either is a NaN.
+#if defined(__SSE__)
+inline F4 max(F4 a, F4 b) { return __builtin_ia32_maxps(a, b); }
+inline F4 min(F4 a, F4 b) { return __builtin_ia32_minps(a, b); }
+#else
+inline F4 max(F4 a, F4 b) { return select(a > b, a, b); }
+inline F4 min(F4 a, F4 b) { return select(a < b, a, b); }
+#endif
 inline F4 abs(F4 v) { return reinterpret_cast<F4>(reinterpret_cast<I4>(v) & INT32_MAX); }
 inline I4 sign_bit(F4 v) { return reinterpret_cast<I4>(v) & INT32_MIN; }
 inline F4 flip_sign(F4 v, I4 sign) { return reinterpret_cast<F4>(reinterpret_cast<I4>(v) ^ sign); }
