@@ -43,10 +43,6 @@ public:
             joint4_[e] = q4 >= in.limits.min[3] && q4 <= in.limits.max[3] ? d4 * d4 : INFINITY;
         }
         for (int k = 0; k < 2; ++k) {
-            const float first = std::remainder(theta_ref[4 * k], kTwoPi);
-            const float last = std::remainder(theta_ref[4 * k + 2], kTwoPi);
-            joints_[k].pair[0] = std::remainder(first + last, kTwoPi);
-            joints_[k].pair[1] = std::remainder(first - last, kTwoPi);
             for (int i = 0; i < 3; ++i) {
                 const int j = 4 * k + i;
                 joints_[k].ref[i] = in.q_ref[j];
@@ -56,11 +52,13 @@ public:
                 joints_[k].hi[i] = hi;
                 const float nearest = std::fmin(hi, std::fmax(lo, in.q_ref[j]));
                 joints_[k].outside[i] = std::fabs(in.q_ref[j] - nearest);
-                joints_[k].shift[i] =
-                    static_cast<float>(std::remainder(double(in.q_ref[j]) - nearest, 2.0 * ALGO_PI));
+                joints_[k].shift[i] = in.q_ref[j] == nearest ? 0.0f : std::remainder(in.q_ref[j] - nearest, kTwoPi);
                 joints_[k].lo_seen[i] = lo - nearest;
                 joints_[k].hi_seen[i] = hi - nearest;
             }
+            const float first = joints_[k].angle[0], last = joints_[k].angle[2];
+            joints_[k].pair[0] = wrapped(first + last);
+            joints_[k].pair[1] = wrapped(first - last);
         }
     }
 
@@ -177,6 +175,7 @@ private:
         a = lanes::select(a > lanes::splat(kPi), a - lanes::splat(kTwoPi), a);
         return lanes::select(a < lanes::splat(-kPi), a + lanes::splat(kTwoPi), a);
     }
+    static float wrapped(float a) { return a > kPi ? a - kTwoPi : a < -kPi ? a + kTwoPi : a; }
     static F4 twin_of(F4 delta) {
         const F4 half = lanes::splat(kPi);
         return lanes::select(delta > lanes::splat(0.0f), delta - half, delta + half);

@@ -23,6 +23,7 @@ template <int Capacity>
 class RunQueue {
 public:
     bool empty() const { return size_ == 0; }
+    const GridRun& top() const { return runs_[0]; }
     void push(const GridRun& run) {
         runs_[size_++] = run;
         std::push_heap(runs_.begin(), runs_.begin() + size_, later);

@@ -7,6 +7,7 @@
 // can hold a nearer branch; strategy 1 walks the whole range step by step. Both give the same
 // answer past the reference's arm angle.
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <initializer_list>
@@ -71,6 +72,72 @@ bool own_branch_within_limits(const SolveInput& in, const IkSolve& solve) {
         if (j == in.dof && within_limits(q, in.dof, in.limits)) return true;
     }
     return false;
+}
+
+// Angle (rad) of the rotation taking a to b.
+double rotation_between(const Mat3 a, const Mat3 b) {
+    double m[3][3];
+    for (int i = 0; i < 3; ++i) {
+        for (int j = 0; j < 3; ++j)
+            m[i][j] = double(a[0][i]) * b[0][j] + double(a[1][i]) * b[1][j] + double(a[2][i]) * b[2][j];
+    }
+    const double sx = m[2][1] - m[1][2], sy = m[0][2] - m[2][0], sz = m[1][0] - m[0][1];
+    return std::atan2(0.5 * std::sqrt(sx * sx + sy * sy + sz * sz),
+                      0.5 * (m[0][0] + m[1][1] + m[2][2] - 1.0));
+}
+
+// A lower bound on the distance from the reference of any branch at a given arm angle.
+// Turning the arm angle by d turns both the shoulder R_S = Rz(t1)*Ry(t2)*Rz(t3) and the wrist
+// Rz(t5)*Ry(t6)*Rz(t7) by d, and a rotation of angle r moves the three joints of a Z-Y-Z triple
+// by at least r in sum, so by r^2/3 in squares. Per elbow sign, with the arm angle centre[e]
+// nearest the reference and the reference's remaining shoulder and wrist rotations from there:
+//   cost >= (q4 - ref4)^2 + max(0, d - shoulder_gap)^2 / 3 + max(0, d - wrist_gap)^2 / 3.
+struct SearchBound {
+    double centre[2];  // from psi0, within half a turn
+    double shoulder_gap[2];
+    double wrist_gap[2];
+    double joint4_cost[2];  // infinite for an elbow sign outside joint 4's limits
+};
+
+// Slack for the single-precision rounding of the arm angles and rotations.
+constexpr double kBoundSlack = 1e-4;
+
+SearchBound search_bound(const SolveInput& in, const ArmAngleTarget& t, const float* theta_ref, float psi0) {
+    SearchBound bound;
+    Mat3 shoulder_ref, wrist_ref;
+    zyz_matrix(theta_ref[0], theta_ref[1], theta_ref[2], shoulder_ref);
+    zyz_matrix(theta_ref[4], theta_ref[5], theta_ref[6], wrist_ref);
+    for (int e = 0; e < 2; ++e) {
+        const ElbowBranch& b = t.elbow[e];
+        const float centre = arm_angle_between(shoulder_ref, b.shoulder0, t.axis);
+        bound.centre[e] = std::remainder(double(centre) - psi0, 2.0 * ALGO_PI);
+        Mat3 shoulder, wrist;
+        shoulder_at(b, centre, shoulder);
+        wrist_rotation(b, shoulder, t.rotation, wrist);
+        bound.shoulder_gap[e] = rotation_between(shoulder, shoulder_ref) + kBoundSlack;
+        bound.wrist_gap[e] = rotation_between(wrist, wrist_ref) + kBoundSlack;
+        const float q4 = joint_value(in, 3, b.t4);
+        const bool within = q4 >= in.limits.min[3] && q4 <= in.limits.max[3];
+        bound.joint4_cost[e] = within ? (double(q4) - in.q_ref[3]) * (double(q4) - in.q_ref[3]) : INFINITY;
+    }
+    return bound;
+}
+
+// Lowest cost a branch of either elbow sign can have at the arm angles psi0 + d, from <= d <= to.
+double lowest_cost_between(const SearchBound& bound, double from, double to) {
+    double lowest = INFINITY;
+    for (int e = 0; e < 2; ++e) {
+        double d = INFINITY;  // from the centre to the nearest of those arm angles
+        for (const double turn : {-2.0 * ALGO_PI, 0.0, 2.0 * ALGO_PI}) {
+            const double c = bound.centre[e] + turn;
+            d = std::fmin(d, std::fmax(0.0, std::fmax(from - c, c - to)));
+        }
+        d = std::fmax(0.0, d - kBoundSlack);
+        const double s = std::fmax(0.0, d - bound.shoulder_gap[e]);
+        const double w = std::fmax(0.0, d - bound.wrist_gap[e]);
+        lowest = std::fmin(lowest, bound.joint4_cost[e] + (s * s + w * w) / 3.0);
+    }
+    return lowest;
 }
 
 // Which elbow signs can have a branch within the limits at an arm angle, judged from the middle
@@ -220,18 +287,46 @@ private:
     // angle and how far the joints can move within the run; a run that could beat the best so far
     // is split in four, down to single arm angles, whose branches are worked out in order of their
     // floors. Once no floor left is below the best cost, no arm angle left can be nearer. The walk's
-    // order decides between equal costs, so the answer is the walk's.
+    // order decides between equal costs, so the answer is the walk's. The first runs wait with a
+    // cheaper, looser floor, from how far the shoulder and wrist must turn to get there from the
+    // reference's, and get their own only when that is the lowest: near a reference that almost
+    // reaches the target, most are never looked at.
     void search_runs(int steps) {
+        const SearchBound turning = search_bound(in_, t_, theta_ref_.data(), psi0_);
+        std::array<GridRun, kMaxRoots> roots;
+        int count = 0;
+        for (const int side : {1, -1}) {
+            for (int first = 1; first <= steps; first += kRootRun) {
+                GridRun& run = roots[count++];
+                run.first = static_cast<int16_t>(first);
+                run.count = static_cast<int16_t>(std::min(kRootRun, steps - first + 1));
+                run.side = static_cast<int8_t>(side);
+                const double near = static_cast<double>(first) * Q_STEP_MIN;
+                const double far = static_cast<double>(first + run.count - 1) * Q_STEP_MIN;
+                run.key = static_cast<float>(side > 0 ? lowest_cost_between(turning, near, far)
+                                                      : lowest_cost_between(turning, -far, -near));
+            }
+        }
+        std::sort(roots.begin(), roots.begin() + count,
+                  [](const GridRun& a, const GridRun& b) { return a.key < b.key; });
         Queue queue;
         RunBatch batch;
-        for (const int side : {1, -1}) {
-            for (int first = 1; first <= steps; first += kRootRun)
-                add_run(batch, queue, first, std::min(kRootRun, steps - first + 1), side);
-        }
-        bound_runs(batch, queue);
-        while (!queue.empty()) {
+        int next = 0;
+        while (next < count || !queue.empty()) {
+            if (next < count && (queue.empty() || roots[next].key < queue.top().key)) {
+                if (!CostFloor::may_beat(roots[next].key, best_)) {
+                    next = count;  // nor can any root after it
+                    continue;
+                }
+                while (batch.size < 4 && next < count) {
+                    const GridRun& run = roots[next++];
+                    add_run(batch, queue, run.first, run.count, run.side);
+                }
+                bound_runs(batch, queue);
+                continue;
+            }
             const GridRun run = queue.pop();
-            if (!CostFloor::may_beat(run.key, best_)) return;
+            if (!CostFloor::may_beat(run.key, best_)) return;  // every floor left is higher
             if (run.count == 1) {
                 int elbows = 0;
                 for (int e = 0; e < 2; ++e) elbows |= CostFloor::may_beat(run.floor[e], best_) ? 1 << e : 0;
@@ -248,6 +343,7 @@ private:
 
     static constexpr int kMaxSteps = static_cast<int>(Q_STEP_MAX / Q_STEP_MIN) + 1;
     static constexpr int kRootRun = 16;          // steps
+    static constexpr int kMaxRoots = 2 * ((kMaxSteps + kRootRun - 1) / kRootRun);
     static constexpr float kReachSlack = 1e-5f;  // rad, for the rounding of the arm angles
     // Each run holds its steps, and is split into at least two: per side no more runs than twice
     // the steps ever wait.
