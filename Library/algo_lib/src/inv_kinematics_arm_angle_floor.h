@@ -11,6 +11,7 @@
 // The same terms, with bounds on how fast each joint turns with the arm angle, give a floor over a
 // whole run of arm angles from the run's middle one. Not part of the library's interface.
 
+#include <algorithm>
 #include <cmath>
 
 #include "inv_kinematics_arm_angle.h"
@@ -67,7 +68,7 @@ public:
     struct Floors {
         lanes::F4 elbow[2];
 
-        float least(int lane) const { return std::fmin(elbow[0][lane], elbow[1][lane]); }
+        float least(int lane) const { return std::min(elbow[0][lane], elbow[1][lane]); }
 
         // The elbow signs of `elbows` whose branches at the lane's arm angle may cost less than
         // best, and no more than ceiling.

@@ -11,6 +11,7 @@
 #include <array>
 #include <cmath>
 #include <initializer_list>
+#include <optional>
 
 #include "inv_kinematics_arm_angle.h"
 #include "inv_kinematics_arm_angle_floor.h"
@@ -130,12 +131,12 @@ double lowest_cost_between(const SearchBound& bound, double from, double to) {
         double d = INFINITY;  // from the centre to the nearest of those arm angles
         for (const double turn : {-2.0 * ALGO_PI, 0.0, 2.0 * ALGO_PI}) {
             const double c = bound.centre[e] + turn;
-            d = std::fmin(d, std::fmax(0.0, std::fmax(from - c, c - to)));
+            d = std::min(d, std::max({0.0, from - c, c - to}));
         }
-        d = std::fmax(0.0, d - kBoundSlack);
-        const double s = std::fmax(0.0, d - bound.shoulder_gap[e]);
-        const double w = std::fmax(0.0, d - bound.wrist_gap[e]);
-        lowest = std::fmin(lowest, bound.joint4_cost[e] + (s * s + w * w) / 3.0);
+        d = std::max(0.0, d - kBoundSlack);
+        const double s = std::max(0.0, d - bound.shoulder_gap[e]);
+        const double w = std::max(0.0, d - bound.wrist_gap[e]);
+        lowest = std::min(lowest, bound.joint4_cost[e] + (s * s + w * w) / 3.0);
     }
     return lowest;
 }
@@ -234,7 +235,6 @@ public:
           out_(out),
           middle_(in, t),
           theta_ref_(reference_of(in)),
-          floor_(in, t, theta_ref_.data()),
           psi0_(reference_arm_angle(t, theta_ref_.data())) {}
 
     int run(int strategy, float range) {
@@ -318,7 +318,8 @@ private:
                     next = count;  // nor can any root after it
                     continue;
                 }
-                while (batch.size < 4 && next < count) {
+                // With the three next cheapest that could beat it too, in one pass.
+                for (int n = 0; n < 4 && next < count && CostFloor::may_beat(roots[next].key, best_); ++n) {
                     const GridRun& run = roots[next++];
                     add_run(batch, queue, run.first, run.count, run.side);
                 }
@@ -377,7 +378,7 @@ private:
         }
         lanes::F4 sn, cs;
         lanes::sincos(psi, sn, cs);
-        const CostFloor::Floors floors = single ? floor_.at(sn, cs) : floor_.over(sn, cs, reach);
+        const CostFloor::Floors floors = single ? floor().at(sn, cs) : floor().over(sn, cs, reach);
         for (int lane = 0; lane < batch.size; ++lane) {
             GridRun& run = batch.run[lane];
             run.floor[0] = floors.elbow[0][lane];
@@ -386,6 +387,11 @@ private:
             if (CostFloor::may_beat(run.key, best_)) queue.push(run);
         }
         batch.size = 0;
+    }
+
+    const CostFloor& floor() {
+        if (!floor_) floor_.emplace(in_, t_, theta_ref_.data());
+        return *floor_;
     }
 
     float grid_angle(int step, int side) const {
@@ -417,7 +423,7 @@ private:
             g.psi[2 * i + 1] = psi0_ - offset;
         }
         lanes::sincos(lanes::F4{g.psi[0], g.psi[1], g.psi[2], g.psi[3]}, g.sn, g.cs);
-        g.floors = floor_.at(g.sn, g.cs);
+        g.floors = floor().at(g.sn, g.cs);
         ready_[n] = true;
         return g;
     }
@@ -487,18 +493,33 @@ private:
             const int last = kLast[k];
             const float left = std::remainder(candidate_.q_solve[nearest][last] - in_.q_ref[last], kTwoPi);
             const float equal = 0.5f * left;
-            try_share(k, equal, psi[i]);
             const float within = share_within_limits(k, left, equal);
-            if (within != equal) try_share(k, within, psi[i]);
+            float shared[4];
+            int m = shared_angles(k, equal, psi[i], shared);
+            if (within != equal) m += shared_angles(k, within, psi[i], shared + m);
+            evaluate_floored(shared, m);
         }
     }
 
-    // The arm angles near centre at which joint kFirst[k] has moved by share from the reference.
-    void try_share(int k, float share, float centre) {
-        float psi[2];
-        const int n =
-            arm_angles_for_azimuth(axes_[k], theta_ref_[kFirst[k]] + share, centre, kSingularWindow, psi);
-        for (int i = 0; i < n; ++i) evaluate(psi[i]);
+    // The arm angles near centre at which joint kFirst[k] has moved by share from the reference,
+    // into out; returns their count, at most 2.
+    int shared_angles(int k, float share, float centre, float* out) const {
+        return arm_angles_for_azimuth(axes_[k], theta_ref_[kFirst[k]] + share, centre, kSingularWindow, out);
+    }
+
+    // evaluate() at up to four arm angles in turn, for the elbow signs whose floor there may beat
+    // the best so far.
+    void evaluate_floored(const float* psi, int n) {
+        if (n == 0) return;
+        lanes::F4 angles, sn, cs;
+        for (int lane = 0; lane < 4; ++lane) angles[lane] = psi[std::min(lane, n - 1)];
+        lanes::sincos(angles, sn, cs);
+        const CostFloor::Floors floors = floor().at(sn, cs);
+        for (int i = 0; i < n; ++i) {
+            int elbows = 0;
+            for (int e = 0; e < 2; ++e) elbows |= CostFloor::may_beat(floors.elbow[e][i], best_) ? 1 << e : 0;
+            evaluate(psi[i], elbows);
+        }
     }
 
     // share clamped so that joint kFirst[k] moved by it and joint kLast[k] by left - share both
@@ -518,7 +539,7 @@ private:
     IkSolve& out_;
     MiddleJointFilter middle_;
     std::array<float, ROBOT_DOF> theta_ref_;
-    CostFloor floor_;
+    std::optional<CostFloor> floor_;  // made on first use: most calls settle before
     float psi0_;
     AxisBlend axes_[2];  // of the reference's elbow sign, made on first use
     bool axes_ready_ = false;
