@@ -394,9 +394,15 @@ private:
         return *floor_;
     }
 
+    // From a table, so that no build fuses the product into the sum: every build and both
+    // strategies work out the same arm angles.
     float grid_angle(int step, int side) const {
-        const float offset = static_cast<float>(step) * Q_STEP_MIN;
-        return side > 0 ? psi0_ + offset : psi0_ - offset;
+        static constexpr auto kOffsets = [] {
+            std::array<float, kMaxSteps + 2> offsets{};
+            for (int i = 0; i < kMaxSteps + 2; ++i) offsets[i] = static_cast<float>(i) * Q_STEP_MIN;
+            return offsets;
+        }();
+        return side > 0 ? psi0_ + kOffsets[step] : psi0_ - kOffsets[step];
     }
     // Where the walk reaches a step: up, then down, one step after another, after the arm
     // angles tried before the grid (order 0).
@@ -418,9 +424,8 @@ private:
         if (ready_[n]) return g;
         for (int i = 0; i < 2; ++i) {
             g.step[i] = 2 * n + 1 + i;
-            const float offset = static_cast<float>(g.step[i]) * Q_STEP_MIN;
-            g.psi[2 * i] = psi0_ + offset;
-            g.psi[2 * i + 1] = psi0_ - offset;
+            g.psi[2 * i] = grid_angle(g.step[i], 1);
+            g.psi[2 * i + 1] = grid_angle(g.step[i], -1);
         }
         lanes::sincos(lanes::F4{g.psi[0], g.psi[1], g.psi[2], g.psi[3]}, g.sn, g.cs);
         g.floors = floor().at(g.sn, g.cs);
@@ -551,14 +556,41 @@ private:
     std::array<bool, kMaxBlocks> ready_{};
 };
 
+// The search in one piece, built twice as the forward kinematics' pose calls are: for the
+// baseline instruction set and, for processors that have them, with AVX2 and fused multiply-adds,
+// which the four-lane floors gain most from. The first call chooses.
+using Search = int (*)(const SolveInput&, const ArmAngleTarget&, IkSolve&, int, float);
+
+[[gnu::flatten]] int search_baseline(const SolveInput& in, const ArmAngleTarget& t, IkSolve& out, int strategy,
+                                     float range) {
+    return ArmAngleSearch(in, t, out).run(strategy, range);
+}
+
+#if defined(__x86_64__)
+__attribute__((target("avx2,fma"), flatten)) int search_fma(const SolveInput& in, const ArmAngleTarget& t,
+                                                            IkSolve& out, int strategy, float range) {
+    return ArmAngleSearch(in, t, out).run(strategy, range);
+}
+#endif
+
+Search chosen_search() {
+    static const Search chosen = [] {
+#if defined(__x86_64__)
+        __builtin_cpu_init();
+        if (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma")) return &search_fma;
+#endif
+        return &search_baseline;
+    }();
+    return chosen;
+}
+
 }  // namespace
 
 int solve_arm_angle_search(const SolveInput& in, const Matrix& flange, IkSolve& out) {
     begin_solutions(in, out);
     const ArmAngleTarget t = arm_angle_target(in.dh, flange, in.reach_tol);
     if (!t.reachable) return 0;
-    return ArmAngleSearch(in, t, out)
-        .run(ikine_get_7dof_solver_search_strategy(), ikine_get_solution_range_qm75());
+    return chosen_search()(in, t, out, ikine_get_7dof_solver_search_strategy(), ikine_get_solution_range_qm75());
 }
 
 }  // namespace algo::ik
