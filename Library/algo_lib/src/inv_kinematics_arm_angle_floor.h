@@ -53,7 +53,8 @@ public:
                 joints_[k].hi[i] = hi;
                 const float nearest = std::fmin(hi, std::fmax(lo, in.q_ref[j]));
                 joints_[k].outside[i] = std::fabs(in.q_ref[j] - nearest);
-                joints_[k].shift[i] = in.q_ref[j] == nearest ? 0.0f : std::remainder(in.q_ref[j] - nearest, kTwoPi);
+                joints_[k].shift[i] =
+                    in.q_ref[j] == nearest ? 0.0f : std::remainder(in.q_ref[j] - nearest, kTwoPi);
                 joints_[k].lo_seen[i] = lo - nearest;
                 joints_[k].hi_seen[i] = hi - nearest;
             }
@@ -266,10 +267,11 @@ private:
     }
 
     // A floor under joints a and c together over the arm angles within reach, which holds near the
-    // singularity too: their squares add up to at least half the square of a + c's distance from
-    // the reference's (a - c's where b is past a right angle), and R's upper-left entries give
-    // that sum (difference) well at any b. a' + c' = w_z + w.u tan(b/2) and a' - c' = w_z -
-    // w.u cot(b/2), so it turns at most 1 / cos(b/2) (1 / sin(b/2)) as fast.
+    // singularity too: their squares add up to half the squares of a + c's and a - c's distances
+    // from the reference's. One of the two is well defined at any b, and R's upper-left entries
+    // give it (a + c's while b is at most a right angle); the other comes from a and c. As
+    // a' + c' = w_z + w.u tan(b/2) and a' - c' = w_z - w.u cot(b/2), a + c turns at most
+    // 1 / cos(b/2) and a - c at most 1 / sin(b/2) as fast.
     static F4 pair_floor(const Entries& m, const Triple& t, const Joints& j, F4 sn, F4 cs, F4 reach) {
         const auto entry = [&](int i) { return m[0][i] * sn + m[1][i] * cs + lanes::splat(m[2][i]); };
         const F4 r00 = entry(k00), r10 = entry(k10), r01 = entry(k01), r11 = entry(k11);
@@ -277,17 +279,25 @@ private:
         const I4 upper = t.z >= zero;
         const F4 angle = lanes::atan2(lanes::select(upper, r10 - r01, -(r10 + r01)),
                                       lanes::select(upper, r00 + r11, r11 - r00));
-        const F4 delta =
+        const F4 well =
             within_half_turn(angle - lanes::select(upper, lanes::splat(j.pair[0]), lanes::splat(j.pair[1])));
+        const F4 other = within_half_turn(lanes::select(upper, t.a - t.c, t.a + t.c));
         const F4 cos_half = lanes::sqrt(lanes::max(half + half * t.z, zero));
         const F4 sin_half = lanes::sqrt(lanes::max(half - half * t.z, zero));
-        // cos and sin of (b +- reach) / 2, from below.
+        // cos of (b + reach) / 2 and sin of (b - reach) / 2, from below.
         const F4 shrink = lanes::splat(1.0f) - lanes::splat(0.125f) * reach * reach, turn = half * reach;
-        const F4 rate =
-            lanes::select(upper, cos_half * shrink - sin_half * turn, sin_half * shrink - cos_half * turn);
-        const F4 move = lanes::select(rate > lanes::splat(1e-3f), reach / rate, lanes::splat(INFINITY));
-        const F4 d = lanes::max(lanes::abs(delta) - move - lanes::splat(kBoundSlack), zero);
-        return half * d * d;
+        const F4 cos_far = cos_half * shrink - sin_half * turn,
+                 sin_near = sin_half * shrink - cos_half * turn;
+        const auto moved = [&](F4 rate) {
+            return lanes::select(rate > lanes::splat(1e-3f), reach / rate, lanes::splat(INFINITY));
+        };
+        const F4 well_move = moved(lanes::select(upper, cos_far, sin_near));
+        const F4 other_move = moved(lanes::select(upper, sin_near, cos_far));
+        // a and c each carry the outer joints' rounding.
+        const F4 other_slack = lanes::splat(kBoundSlack) + lanes::splat(2.0f * kOuterSlack) / t.sb;
+        const F4 d = lanes::max(lanes::abs(well) - well_move - lanes::splat(kBoundSlack), zero);
+        const F4 e = lanes::max(lanes::abs(other) - other_move - other_slack, zero);
+        return half * (d * d + e * e);
     }
 
     // A triple's share of an elbow sign's bound over the arm angles within reach of four, for one
@@ -324,6 +334,16 @@ private:
         const F4 rate_a = lanes::splat(axis.z) - t.z * rate_c;
         const F4 outer_curve = lanes::splat(2.0f) * inv_low * inv_low;
         const F4 middle_curve = inv_low;
+        // Or, where the rates' bounds hold, from the rates here and how fast they can change: less
+        // where they are slow.
+        const F4 half_square = lanes::splat(0.5f) * reach * reach;
+        const auto within = [&](F4 move, F4 rate, F4 curve) {
+            return lanes::select(regular, lanes::min(move, lanes::abs(rate) * reach + curve * half_square),
+                                 move);
+        };
+        const F4 move_a = within(outer_move, rate_a, outer_curve);
+        const F4 move_b = within(reach, rate_b, middle_curve);
+        const F4 move_c = within(outer_move, rate_c, outer_curve);
         const auto add = [&](Share& s, F4 delta, F4 rate, F4 move, F4 curve, int i) {
             if (i != 1) s.floor += joint_bound(delta, move, j, i);
             const F4 far = lanes::abs(delta) + move;
@@ -337,10 +357,10 @@ private:
         for (int k = 0; k < 2; ++k) {
             Share& s = out.twin[k];
             s = {zero, zero, zero, zero};
-            add(s, k == 0 ? t.a : twin_of(t.a), rate_a, outer_move, outer_curve, 0);
-            add(s, k == 0 ? t.b : t.twin_b, k == 0 ? rate_b : -rate_b, reach, middle_curve, 1);
-            add(s, k == 0 ? t.c : twin_of(t.c), rate_c, outer_move, outer_curve, 2);
-            s.floor = lanes::max(s.floor, pair) + joint_bound(k == 0 ? t.b : t.twin_b, reach, j, 1);
+            add(s, k == 0 ? t.a : twin_of(t.a), rate_a, move_a, outer_curve, 0);
+            add(s, k == 0 ? t.b : t.twin_b, k == 0 ? rate_b : -rate_b, move_b, middle_curve, 1);
+            add(s, k == 0 ? t.c : twin_of(t.c), rate_c, move_c, outer_curve, 2);
+            s.floor = lanes::max(s.floor, pair) + joint_bound(k == 0 ? t.b : t.twin_b, move_b, j, 1);
         }
         return out;
     }
