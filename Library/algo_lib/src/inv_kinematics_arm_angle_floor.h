@@ -84,11 +84,12 @@ public:
     // True when a branch whose floor is `floor` may cost less than best.
     static bool may_beat(float floor, double best) { return below(floor) < best; }
 
-    // At the arm angles whose sines and cosines are sn and cs.
-    Floors at(lanes::F4 sn, lanes::F4 cs) const {
+    // At the arm angles whose sines and cosines are sn and cs, for the elbow signs of `elbows`
+    // (infinite for the others).
+    Floors at(lanes::F4 sn, lanes::F4 cs, int elbows = kBothElbows) const {
         Floors f;
         for (int e = 0; e < 2; ++e) {
-            if (joint4_[e] == INFINITY) {
+            if (joint4_[e] == INFINITY || (elbows & (1 << e)) == 0) {
                 f.elbow[e] = lanes::splat(INFINITY);
                 continue;
             }
@@ -101,10 +102,10 @@ public:
     }
 
     // Over every arm angle within reach (rad) of those whose sines and cosines are sn and cs.
-    Floors over(lanes::F4 sn, lanes::F4 cs, lanes::F4 reach) const {
+    Floors over(lanes::F4 sn, lanes::F4 cs, lanes::F4 reach, int elbows = kBothElbows) const {
         Floors f;
         for (int e = 0; e < 2; ++e) {
-            if (joint4_[e] == INFINITY) {
+            if (joint4_[e] == INFINITY || (elbows & (1 << e)) == 0) {
                 f.elbow[e] = lanes::splat(INFINITY);
                 continue;
             }

@@ -337,13 +337,13 @@ private:
             const int span = (run.count + 3) / 4;
             const int end = run.first + run.count;
             for (int first = run.first; first < end; first += span)
-                add_run(batch, queue, first, std::min(span, end - first), run.side);
-            bound_runs(batch, queue);
+                add_run(batch, queue, first, std::min(span, end - first), run.side, &run);
+            bound_runs(batch, queue, &run);
         }
     }
 
     static constexpr int kMaxSteps = static_cast<int>(Q_STEP_MAX / Q_STEP_MIN) + 1;
-    static constexpr int kRootRun = 16;          // steps
+    static constexpr int kRootRun = 16;  // steps
     static constexpr int kMaxRoots = 2 * ((kMaxSteps + kRootRun - 1) / kRootRun);
     static constexpr float kReachSlack = 1e-5f;  // rad, for the rounding of the arm angles
     // Each run holds its steps, and is split into at least two: per side no more runs than twice
@@ -355,17 +355,25 @@ private:
         GridRun run[4];
         int size = 0;
     };
-    void add_run(RunBatch& batch, Queue& queue, int first, int count, int side) {
+    void add_run(RunBatch& batch, Queue& queue, int first, int count, int side,
+                 const GridRun* parent = nullptr) {
         GridRun& run = batch.run[batch.size++];
         run.first = static_cast<int16_t>(first);
         run.count = static_cast<int16_t>(count);
         run.side = static_cast<int8_t>(side);
-        if (batch.size == 4) bound_runs(batch, queue);
+        if (batch.size == 4) bound_runs(batch, queue, parent);
     }
 
-    // The floors of the runs in batch, which then wait in queue if they could beat the best.
-    void bound_runs(RunBatch& batch, Queue& queue) {
+    // The floors of the runs in batch, which then wait in queue if they could beat the best. The
+    // floors of the run they were split from hold for them too: an elbow sign whose floor there
+    // cannot beat the best is not looked at again.
+    void bound_runs(RunBatch& batch, Queue& queue, const GridRun* parent = nullptr) {
         if (batch.size == 0) return;
+        int elbows = kBothElbows;
+        if (parent) {
+            for (int e = 0; e < 2; ++e)
+                elbows &= CostFloor::may_beat(parent->floor[e], best_) ? ~0 : ~(1 << e);
+        }
         lanes::F4 psi{}, reach{};
         bool single = true;
         for (int lane = 0; lane < 4; ++lane) {
@@ -378,11 +386,14 @@ private:
         }
         lanes::F4 sn, cs;
         lanes::sincos(psi, sn, cs);
-        const CostFloor::Floors floors = single ? floor().at(sn, cs) : floor().over(sn, cs, reach);
+        const CostFloor::Floors floors =
+            single ? floor().at(sn, cs, elbows) : floor().over(sn, cs, reach, elbows);
         for (int lane = 0; lane < batch.size; ++lane) {
             GridRun& run = batch.run[lane];
-            run.floor[0] = floors.elbow[0][lane];
-            run.floor[1] = floors.elbow[1][lane];
+            for (int e = 0; e < 2; ++e) {
+                run.floor[e] = floors.elbow[e][lane];
+                if (parent) run.floor[e] = std::max(run.floor[e], parent->floor[e]);
+            }
             run.key = floors.least(lane);
             if (CostFloor::may_beat(run.key, best_)) queue.push(run);
         }
@@ -561,8 +572,8 @@ private:
 // which the four-lane floors gain most from. The first call chooses.
 using Search = int (*)(const SolveInput&, const ArmAngleTarget&, IkSolve&, int, float);
 
-[[gnu::flatten]] int search_baseline(const SolveInput& in, const ArmAngleTarget& t, IkSolve& out, int strategy,
-                                     float range) {
+[[gnu::flatten]] int search_baseline(const SolveInput& in, const ArmAngleTarget& t, IkSolve& out,
+                                     int strategy, float range) {
     return ArmAngleSearch(in, t, out).run(strategy, range);
 }
 
@@ -590,7 +601,8 @@ int solve_arm_angle_search(const SolveInput& in, const Matrix& flange, IkSolve& 
     begin_solutions(in, out);
     const ArmAngleTarget t = arm_angle_target(in.dh, flange, in.reach_tol);
     if (!t.reachable) return 0;
-    return chosen_search()(in, t, out, ikine_get_7dof_solver_search_strategy(), ikine_get_solution_range_qm75());
+    return chosen_search()(in, t, out, ikine_get_7dof_solver_search_strategy(),
+                           ikine_get_solution_range_qm75());
 }
 
 }  // namespace algo::ik
