@@ -22,10 +22,25 @@ struct SinCos {
     float c;
 };
 
-// Joints 4 to 6 for the flange rotation r given joints 1 to 3 (q[0..2] mapped, j1 and j23
-// their rotations); adds both wrist branches.
-void add_wrist_branches(const SolveInput& in, const float r[3][3], SinCos j1, SinCos j23, float q[ROBOT_DOF],
-                        float theta4_ref, IkSolve& out) {
+// Joints 1 to 3 of one arm configuration (q mapped, j1 and j23 their rotations).
+struct Arm {
+    float q[3];
+    SinCos j1;
+    SinCos j23;
+};
+
+// The arm configurations of a flange target (shoulder side, then elbow turn) and what the
+// wrist needs besides.
+struct Arms {
+    Arm arm[4];
+    float r[3][3];
+    float theta4_ref;
+};
+
+// Joints 4 to 6 of both wrist branches for arm's configuration, mapped.
+void wrist_joints(const SolveInput& in, const Arms& arms, const Arm& arm, float w[2][3]) {
+    const auto& r = arms.r;
+    const SinCos j1 = arm.j1, j23 = arm.j23;
     float n[3][3];
     for (int k = 0; k < 3; ++k) {
         const float u0 = j1.c * r[0][k] + j1.s * r[1][k];
@@ -33,20 +48,21 @@ void add_wrist_branches(const SolveInput& in, const float r[3][3], SinCos j1, Si
         n[1][k] = j1.s * r[0][k] - j1.c * r[1][k];
         n[2][k] = j23.s * u0 - j23.c * r[2][k];
     }
-    for (const auto& w : zyz_angles(n, theta4_ref).angles) {
-        for (int j = 0; j < 3; ++j) q[3 + j] = joint_value(in, 3 + j, w[j]);
-        add_branch(q, out);
+    const ZyzBranches z = zyz_angles(n, arms.theta4_ref);
+    for (int b = 0; b < 2; ++b) {
+        for (int j = 0; j < 3; ++j) w[b][j] = joint_value(in, 3 + j, z.angles[b][j]);
     }
 }
 
-// Branches of an arm with elbow offset a3 (zero for QM65, whose table does not use a[3]).
-int solve_with_elbow_offset(const SolveInput& in, const Matrix& flange, float a3, IkSolve& out) {
-    begin_solutions(in, out);
+// The four arm configurations of an arm with elbow offset a3 (zero for QM65, whose table does
+// not use a[3]); false when the wrist centre is out of reach.
+bool arm_configurations(const SolveInput& in, const Matrix& flange, float a3, Arms& arms) {
     const float d1 = in.dh.d[0], a2 = in.dh.a[2], d4 = in.dh.d[3], d6 = in.dh.d[5];
-    float theta_ref[ROBOT_DOF];
-    for (int j = 0; j < ROBOT_DOF; ++j) theta_ref[j] = in.q_ref[j] + in.dh.offset[j];
+    const float theta1_ref = in.q_ref[0] + in.dh.offset[0];
+    const float theta2_ref = in.q_ref[1] + in.dh.offset[1];
+    arms.theta4_ref = in.q_ref[3] + in.dh.offset[3];
 
-    float r[3][3];
+    auto& r = arms.r;
     for (int i = 0; i < 3; ++i) {
         for (int k = 0; k < 3; ++k) r[i][k] = flange.data[i][k];
     }
@@ -59,7 +75,7 @@ int solve_with_elbow_offset(const SolveInput& in, const Matrix& flange, float a3
     float t1;
     SinCos j1;
     if (reach < kAxisEps) {
-        t1 = theta_ref[0];  // wrist centre on axis 1: joint 1 is free
+        t1 = theta1_ref;  // wrist centre on axis 1: joint 1 is free
         j1 = {std::sin(t1), std::cos(t1)};
     } else {
         t1 = fast_atan2(wy, wx);
@@ -71,16 +87,16 @@ int solve_with_elbow_offset(const SolveInput& in, const Matrix& flange, float a3
     const SinCos beta = {d4 / ell, a3 / ell};
     const float y = wz - d1;
     float cg;
-    if (!triangle_cosine(std::sqrt(reach * reach + y * y), a2, ell, cg, in.reach_tol)) return 0;
+    if (!triangle_cosine(std::sqrt(reach * reach + y * y), a2, ell, cg, in.reach_tol)) return false;
     const float sg = std::sqrt(1.0f - cg * cg);
     const float gamma = fast_atan2(sg, cg);
     const float beta_angle = fast_atan2(d4, a3);
 
-    float q[ROBOT_DOF] = {};
+    Arm* arm = arms.arm;
     for (const float side : {1.0f, -1.0f}) {
         const float x = side * reach;
         const SinCos j1_side = {side * j1.s, side * j1.c};
-        q[0] = joint_value(in, 0, side > 0.0f ? t1 : t1 + kPi);
+        const float q0 = joint_value(in, 0, side > 0.0f ? t1 : t1 + kPi);
         for (const float turn : {1.0f, -1.0f}) {
             const SinCos j3 = {beta.s * cg + turn * beta.c * sg, beta.c * cg - turn * beta.s * sg};
             const float a = a2 + a3 * j3.c + d4 * j3.s;
@@ -91,19 +107,73 @@ int solve_with_elbow_offset(const SolveInput& in, const Matrix& flange, float a3
             const float cx = a * x + b * y;
             const float norm = std::sqrt(sy * sy + cx * cx);
             if (norm < kAxisEps) {
-                t2 = theta_ref[1];  // wrist centre on axis 2: joint 2 is free
+                t2 = theta2_ref;  // wrist centre on axis 2: joint 2 is free
                 j2 = {std::sin(t2), std::cos(t2)};
             } else {
                 t2 = fast_atan2(sy, cx);
                 j2 = {sy / norm, cx / norm};
             }
-            const SinCos j23 = {j2.s * j3.c + j2.c * j3.s, j2.c * j3.c - j2.s * j3.s};
-            q[1] = joint_value(in, 1, t2);
-            q[2] = joint_value(in, 2, beta_angle + turn * gamma);
-            add_wrist_branches(in, r, j1_side, j23, q, theta_ref[3], out);
+            arm->j1 = j1_side;
+            arm->j23 = {j2.s * j3.c + j2.c * j3.s, j2.c * j3.c - j2.s * j3.s};
+            arm->q[0] = q0;
+            arm->q[1] = joint_value(in, 1, t2);
+            arm->q[2] = joint_value(in, 2, beta_angle + turn * gamma);
+            ++arm;
+        }
+    }
+    return true;
+}
+
+int solve_with_elbow_offset(const SolveInput& in, const Matrix& flange, float a3, IkSolve& out) {
+    begin_solutions(in, out);
+    Arms arms;
+    if (!arm_configurations(in, flange, a3, arms)) return 0;
+    float q[ROBOT_DOF] = {};
+    for (const Arm& arm : arms.arm) {
+        float w[2][3];
+        wrist_joints(in, arms, arm, w);
+        for (const auto& wrist : w) {
+            for (int j = 0; j < 3; ++j) {
+                q[j] = arm.q[j];
+                q[3 + j] = wrist[j];
+            }
+            add_branch(q, out);
         }
     }
     return out.num;
+}
+
+// The branch solve_with_elbow_offset and the selection would choose, without the wrists of
+// the arm configurations whose first three joints alone already cost more than a branch found.
+int nearest_with_elbow_offset(const SolveInput& in, const Matrix& flange, float a3, float* q_out) {
+    Arms arms;
+    if (!arm_configurations(in, flange, a3, arms)) return IKINE_FAILED;
+    NearestBranch nearest(in);
+    int order[4];
+    double lead[4];
+    int count = 0;
+    for (int a = 0; a < 4; ++a) {
+        if (!joints_within_limits(arms.arm[a].q, 0, 3, in.limits)) continue;
+        const double cost = nearest.cost(arms.arm[a].q, 0, 3, 0.0);
+        // Cheapest first, ties in branch order.
+        int k = count++;
+        for (; k > 0 && lead[k - 1] > cost; --k) {
+            lead[k] = lead[k - 1];
+            order[k] = order[k - 1];
+        }
+        lead[k] = cost;
+        order[k] = a;
+    }
+    for (int k = 0; k < count && nearest.could_take(lead[k]); ++k) {
+        const Arm& arm = arms.arm[order[k]];
+        float w[2][3];
+        wrist_joints(in, arms, arm, w);
+        for (int b = 0; b < 2; ++b) {
+            const float q[ROBOT_DOF] = {arm.q[0], arm.q[1], arm.q[2], w[b][0], w[b][1], w[b][2]};
+            if (joints_within_limits(q, 3, 6, in.limits)) nearest.offer(2 * order[k] + b, q, nearest.cost(q, 3, 6, lead[k]));
+        }
+    }
+    return nearest.result(q_out);
 }
 
 }  // namespace
@@ -114,6 +184,14 @@ int solve_spherical_wrist(const SolveInput& in, const Matrix& flange, IkSolve& o
 
 int solve_spherical_wrist_offset(const SolveInput& in, const Matrix& flange, IkSolve& out) {
     return solve_with_elbow_offset(in, flange, in.dh.a[3], out);
+}
+
+int nearest_spherical_wrist(const SolveInput& in, const Matrix& flange, float* q_out) {
+    return nearest_with_elbow_offset(in, flange, 0.0f, q_out);
+}
+
+int nearest_spherical_wrist_offset(const SolveInput& in, const Matrix& flange, float* q_out) {
+    return nearest_with_elbow_offset(in, flange, in.dh.a[3], q_out);
 }
 
 }  // namespace algo::ik
