@@ -12,6 +12,7 @@
 #include <initializer_list>
 
 #include "inv_kinematics_arm_angle.h"
+#include "inv_kinematics_lanes.h"
 #include "libalgo_interface.h"
 #include "qman_inv_kinematics.h"
 
@@ -107,32 +108,40 @@ MiddleSines branches_at(const SolveInput& in, const ArmAngleTarget& t, const flo
     MiddleSines sines{};
     begin_solutions(in, out);
     const float sn = std::sin(psi), cs = std::cos(psi);
+    // Four Z-Y-Z extractions in one pass, lanes: shoulder of elbow sign 0, of sign 1, wrist of
+    // sign 0, of sign 1.
+    Mat3 rot[2], wrist_rot[2];
+    for (int e = 0; e < 2; ++e) {
+        const ElbowBranch& b = t.elbow[e];
+        blend(b.shoulder_sin, b.shoulder_cos, b.shoulder_const, sn, cs, rot[e]);
+        wrist_rotation(b, rot[e], t.rotation, wrist_rot[e]);
+    }
+    lanes::Mat3x4 r;
+    for (int i = 0; i < 3; ++i) {
+        for (int j = 0; j < 3; ++j) r[i][j] = lanes::F4{rot[0][i][j], rot[1][i][j], wrist_rot[0][i][j], wrist_rot[1][i][j]};
+    }
+    const lanes::Zyz z = lanes::zyz_angles(r, lanes::F4{theta_ref[0], theta_ref[0], theta_ref[4], theta_ref[4]});
+    // Joints per angle of the extraction, in the lanes' order.
+    static constexpr int kJoints[3][4] = {{0, 0, 4, 4}, {1, 1, 5, 5}, {2, 2, 6, 6}};
+    const lanes::F4 first[3] = {z.a, z.b, z.c};
+    const lanes::F4 twin[3] = {z.a + lanes::splat(kPi), -z.b, z.c + lanes::splat(kPi)};
+    lanes::F4 q_of[2][3];  // [branch of the extraction][angle]
+    for (int k = 0; k < 3; ++k) {
+        const lanes::JointLanes joints = lanes::joint_lanes(in, kJoints[k]);
+        q_of[0][k] = lanes::joint_values(joints, first[k]);
+        q_of[1][k] = lanes::joint_values(joints, twin[k]);
+    }
     float q[ROBOT_DOF] = {};
     for (int e = 0; e < 2; ++e) {
         if ((elbows & (1 << e)) == 0) continue;
-        const ElbowBranch& b = t.elbow[e];
-        Mat3 rot;
-        blend(b.shoulder_sin, b.shoulder_cos, b.shoulder_const, sn, cs, rot);
-        const ZyzBranches shoulder = zyz_angles(rot, theta_ref[0]);
-        Mat3 wrist_rot;
-        wrist_rotation(b, rot, t.rotation, wrist_rot);
-        const ZyzBranches wrist = zyz_angles(wrist_rot, theta_ref[4]);
-        sines.shoulder[e] = shoulder.sin_b;
-        sines.wrist[e] = wrist.sin_b;
-        float sq[2][3];
-        float wq[2][3];
-        for (int k = 0; k < 2; ++k) {
-            for (int j = 0; j < 3; ++j) {
-                sq[k][j] = joint_value(in, j, shoulder.angles[k][j]);
-                wq[k][j] = joint_value(in, 4 + j, wrist.angles[k][j]);
-            }
-        }
-        q[3] = joint_value(in, 3, b.t4);
-        for (const auto& sh : sq) {
-            for (const auto& wr : wq) {
+        sines.shoulder[e] = z.sin_b[e];
+        sines.wrist[e] = z.sin_b[2 + e];
+        q[3] = joint_value(in, 3, t.elbow[e].t4);
+        for (const auto& sh : q_of) {
+            for (const auto& wr : q_of) {
                 for (int j = 0; j < 3; ++j) {
-                    q[j] = sh[j];
-                    q[4 + j] = wr[j];
+                    q[j] = sh[j][e];
+                    q[4 + j] = wr[j][2 + e];
                 }
                 add_branch(q, out);
             }
