@@ -131,22 +131,27 @@ MiddleSines branches_at(const SolveInput& in, const ArmAngleTarget& t, const flo
         q_of[0][k] = lanes::joint_values(joints, first[k]);
         q_of[1][k] = lanes::joint_values(joints, twin[k]);
     }
-    float q[ROBOT_DOF] = {};
+    // Rows written in place, in the order add_branch would append them.
+    int n = 0;
     for (int e = 0; e < 2; ++e) {
         if ((elbows & (1 << e)) == 0) continue;
         sines.shoulder[e] = z.sin_b[e];
         sines.wrist[e] = z.sin_b[2 + e];
-        q[3] = joint_value(in, 3, t.elbow[e].t4);
+        const float q4 = joint_value(in, 3, t.elbow[e].t4);
         for (const auto& sh : q_of) {
             for (const auto& wr : q_of) {
+                float* row = out.q_solve[n++];
                 for (int j = 0; j < 3; ++j) {
-                    q[j] = sh[j][e];
-                    q[4 + j] = wr[j][2 + e];
+                    row[j] = sh[j][e];
+                    row[4 + j] = wr[j][2 + e];
                 }
-                add_branch(q, out);
+                row[3] = q4;
+                row[7] = 0.0f;
             }
         }
     }
+    out.num = n;
+    out.result = n > 0;
     return sines;
 }
 
