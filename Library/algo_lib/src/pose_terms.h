@@ -6,6 +6,7 @@
 // Not part of the library's interface.
 
 #include <cmath>
+#include <cstring>
 
 #include "lane_trig.h"
 #include "robot_define.h"
@@ -55,11 +56,20 @@ inline Quat quat_of(const Matrix& m) {
     return Quat{(R[1][0] - R[0][1]) * k, (R[0][2] + R[2][0]) * k, (R[1][2] + R[2][1]) * k, 0.25f * S};
 }
 
+// Stored in the three pieces (16, 16 and 8 bytes) in which a copy of the record reads it, so that
+// the copy takes its bytes straight from these stores instead of stalling until they are written.
 inline Pose pose_of(const Matrix& t) {
+    using lanes::F4;
+    const Euler e = euler_of(t);
+    const Quat q = quat_of(t);
+    static_assert(sizeof(Pose) == 10 * sizeof(float));
+    const F4 first{t.data[0][3], t.data[1][3], t.data[2][3], q.w};
+    const F4 second{q.x, q.y, q.z, e.rx};
+    const float last[2] = {e.ry, e.rz};
     Pose p;
-    p.position = Pos{t.data[0][3], t.data[1][3], t.data[2][3]};
-    p.euler = euler_of(t);
-    p.quaternion = quat_of(t);
+    std::memcpy(&p, &first, sizeof first);
+    std::memcpy(reinterpret_cast<char*>(&p) + sizeof first, &second, sizeof second);
+    std::memcpy(reinterpret_cast<char*>(&p) + 2 * sizeof first, last, sizeof last);
     return p;
 }
 
