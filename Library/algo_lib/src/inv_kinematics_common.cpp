@@ -89,13 +89,12 @@ int select_fixed(const float* weights, const IkSolve& solve, int dof, const Join
     double best_cost = kCostCeiling;
     for (int i = 0; i < num; ++i) {
         const float* q = solve.q_solve[i];
-        if (!within_limits(q, n, limits)) continue;
         double c = 0.0;
         for (int j = 0; j < n; ++j) {
             const double dq = static_cast<double>(q[j]) - ref[j];
             c += w[j] * dq * dq;
         }
-        if (c < best_cost) {
+        if (within_limits(q, n, limits) && c < best_cost) {
             best_cost = c;
             best = i;
         }

@@ -101,12 +101,12 @@ inline void add_branch(const float* q, IkSolve& out) {
     out.result = true;
 }
 
-// True when joints first to last - 1 lie within their limits (a NaN never does).
+// True when joints first to last - 1 lie within their limits (a NaN never does). Every joint is
+// compared: which branches are within the limits is random, and a jump per joint mispredicts.
 inline bool joints_within_limits(const float* q, int first, int last, const JointLimits& limits) {
-    for (int j = first; j < last; ++j) {
-        if (!(q[j] <= limits.max[j] && q[j] >= limits.min[j])) return false;
-    }
-    return true;
+    bool inside = true;
+    for (int j = first; j < last; ++j) inside &= (q[j] <= limits.max[j]) & (q[j] >= limits.min[j]);
+    return inside;
 }
 inline bool within_limits(const float* q, int dof, const JointLimits& limits) {
     return joints_within_limits(q, 0, dof, limits);
