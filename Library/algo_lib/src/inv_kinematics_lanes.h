@@ -5,6 +5,10 @@
 // joint_value with every operation the same, lane by lane, so each lane's result is bit for bit
 // the scalar one. Not part of the library's interface.
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 #include "inv_kinematics_internal.h"
 #include "lane_trig.h"
 
@@ -22,8 +26,16 @@ inline F4 copy_sign(F4 magnitude, F4 sign) {
     return bits_as_float((float_bits(magnitude) & INT32_MAX) | (float_bits(sign) & INT32_MIN));
 }
 inline F4 choose(I4 mask, F4 yes, F4 no) { return algo::lanes::select(mask, yes, no); }
+// Written with the instruction set's own and/or where it has them: the compiler otherwise turns
+// the mask arithmetic back into a per-lane jump or move.
 inline D2 choose(L2 mask, D2 yes, D2 no) {
+#if defined(__SSE2__)
+    const __m128d m = reinterpret_cast<__m128d>(mask);
+    return reinterpret_cast<D2>(_mm_or_pd(_mm_and_pd(m, reinterpret_cast<__m128d>(yes)),
+                                          _mm_andnot_pd(m, reinterpret_cast<__m128d>(no))));
+#else
     return reinterpret_cast<D2>((mask & reinterpret_cast<L2>(yes)) | (~mask & reinterpret_cast<L2>(no)));
+#endif
 }
 
 // fast_atan2 of every lane.
