@@ -23,8 +23,9 @@ int g_search_strategy = 0;
 float g_solution_range = Q_STEP_MAX;
 
 // Shoulder Rz(t1)*Ry(t2) with joint 3 at zero that turns the upper-arm-to-wrist vector
-// (vx, 0, vz) onto sw: t1 is the azimuth of sw, t2 the difference of the two elevations.
-void shoulder_zero(const Vec3& sw, float vx, float vz, Mat3 out) {
+// (vx, 0, vz) onto sw: t1 is the azimuth of sw, t2 the difference of the two elevations. Inline,
+// so that a caller reads the matrix from registers rather than back from the stores.
+[[gnu::always_inline]] inline void shoulder_zero(const Vec3& sw, float vx, float vz, Mat3 out) {
     const float horizontal = std::sqrt(sw.x * sw.x + sw.y * sw.y);
     const float len = std::sqrt(horizontal * horizontal + sw.z * sw.z);
     const float v = std::sqrt(vx * vx + vz * vz);
@@ -65,7 +66,9 @@ float arm_angle_between(const Mat3 shoulder, const Mat3 shoulder0, const Vec3& a
 }
 
 ArmAngleTarget arm_angle_target(const DH& dh, const Matrix& flange, float reach_tol) {
-    ArmAngleTarget t{};
+    // Not value-initialised: every member is written below, the elbows cleared only when unreachable.
+    ArmAngleTarget t;
+    t.reachable = false;
     const float d3 = dh.d[2], d5 = dh.d[4], d7 = dh.d[6];
     Mat3& r = t.rotation;
     for (int i = 0; i < 3; ++i) {
@@ -75,7 +78,11 @@ ArmAngleTarget arm_angle_target(const DH& dh, const Matrix& flange, float reach_
                      flange.data[2][3] - d7 * r[2][2] - dh.d[0]};
     const float len = std::sqrt(sw.x * sw.x + sw.y * sw.y + sw.z * sw.z);
     float c4;
-    if (len < kAxisEps || !triangle_cosine(len, d3, d5, c4, reach_tol)) return t;
+    if (len < kAxisEps || !triangle_cosine(len, d3, d5, c4, reach_tol)) {
+        t.axis = Vec3{};
+        t.elbow[0] = t.elbow[1] = ElbowBranch{};
+        return t;
+    }
     t.reachable = true;
     t.axis = {sw.x / len, sw.y / len, sw.z / len};
     const Vec3& s = t.axis;
