@@ -84,12 +84,14 @@ ArmAngleTarget arm_angle_target(const DH& dh, const Matrix& flange, float reach_
         return t;
     }
     t.reachable = true;
-    t.axis = {sw.x / len, sw.y / len, sw.z / len};
-    const Vec3& s = t.axis;
+    // Worked in locals and stored once: read back from the record, the matrices would wait for
+    // their own stores.
+    const Vec3 s = {sw.x / len, sw.y / len, sw.z / len};
+    t.axis = s;
     const float s4 = std::sqrt(1.0f - c4 * c4);
     const float g4 = fast_atan2(s4, c4);
     for (int e = 0; e < 2; ++e) {
-        ElbowBranch& b = t.elbow[e];
+        ElbowBranch b;
         b.t4 = e == 0 ? g4 : -g4;
         b.c4 = c4;
         b.s4 = e == 0 ? s4 : -s4;
@@ -106,6 +108,7 @@ ArmAngleTarget arm_angle_target(const DH& dh, const Matrix& flange, float reach_
             b.shoulder_const[2][j] = s.z * along;
             for (int i = 0; i < 3; ++i) b.shoulder_cos[i][j] = b.shoulder0[i][j] - b.shoulder_const[i][j];
         }
+        t.elbow[e] = b;
     }
     return t;
 }
