@@ -9,6 +9,7 @@
 // blend, the wrist product Ry(-t4)*R_S^T*R and two ZYZ extractions: up to 8 branches.
 
 #include <cmath>
+#include <cstring>
 #include <initializer_list>
 
 #include "inv_kinematics_arm_angle.h"
@@ -141,22 +142,27 @@ MiddleSines branches_at(const SolveInput& in, const ArmAngleTarget& t, const flo
         q_of[0][k] = lanes::joint_values(joints, first[k]);
         q_of[1][k] = lanes::joint_values(joints, twin[k]);
     }
-    // Rows written in place, in the order add_branch would append them.
+    // Rows written in place, in the order add_branch would append them, as two halves each:
+    // transposed, the extraction's lanes are (joints 1-3, joint 4) of each elbow sign's shoulder
+    // and (joints 5-7, 0) of its wrist.
+    lanes::F4 half[2][4];  // [branch of the extraction][lane]
+    for (int k = 0; k < 2; ++k) {
+        half[k][0] = q_of[k][0];
+        half[k][1] = q_of[k][1];
+        half[k][2] = q_of[k][2];
+        half[k][3] = lanes::F4{joint_value(in, 3, t.elbow[0].t4), joint_value(in, 3, t.elbow[1].t4), 0.0f, 0.0f};
+        lanes::transpose(half[k]);
+    }
     int n = 0;
     for (int e = 0; e < 2; ++e) {
         if ((elbows & (1 << e)) == 0) continue;
         sines.shoulder[e] = z.sin_b[e];
         sines.wrist[e] = z.sin_b[2 + e];
-        const float q4 = joint_value(in, 3, t.elbow[e].t4);
-        for (const auto& sh : q_of) {
-            for (const auto& wr : q_of) {
+        for (const auto& sh : half) {
+            for (const auto& wr : half) {
                 float* row = out.q_solve[n++];
-                for (int j = 0; j < 3; ++j) {
-                    row[j] = sh[j][e];
-                    row[4 + j] = wr[j][2 + e];
-                }
-                row[3] = q4;
-                row[7] = 0.0f;
+                std::memcpy(row, &sh[e], sizeof sh[e]);
+                std::memcpy(row + 4, &wr[2 + e], sizeof wr[2 + e]);
             }
         }
     }

@@ -26,8 +26,15 @@ inline F4 copy_sign(F4 magnitude, F4 sign) {
     return bits_as_float((float_bits(magnitude) & INT32_MAX) | (float_bits(sign) & INT32_MIN));
 }
 inline F4 choose(I4 mask, F4 yes, F4 no) { return algo::lanes::select(mask, yes, no); }
-// Written with the instruction set's own and/or where it has them: the compiler otherwise turns
-// the mask arithmetic back into a per-lane jump or move.
+// Masks combined with the instruction set's own and/or where it has them: the compiler otherwise
+// turns the mask arithmetic into per-lane moves through integer registers.
+inline L2 both(L2 a, L2 b) {
+#if defined(__SSE2__)
+    return reinterpret_cast<L2>(_mm_and_pd(reinterpret_cast<__m128d>(a), reinterpret_cast<__m128d>(b)));
+#else
+    return a & b;
+#endif
+}
 inline D2 choose(L2 mask, D2 yes, D2 no) {
 #if defined(__SSE2__)
     const __m128d m = reinterpret_cast<__m128d>(mask);
@@ -58,6 +65,18 @@ inline F4 fast_atan2(F4 y, F4 x) {
     const F4 octant = splat(0.25f * kPi) + copy_sign(splat(0.25f * kPi) - t * p, ay - ax - splat(1e-38f));
     const F4 half = splat(0.5f * kPi) + copy_sign(splat(0.5f * kPi) - octant, -x);
     return copy_sign(half, y);
+}
+
+// The 4x4 of rows m[0..3] transposed in place.
+inline void transpose(F4 (&m)[4]) {
+    const F4 t0 = __builtin_shufflevector(m[0], m[1], 0, 4, 1, 5);
+    const F4 t1 = __builtin_shufflevector(m[0], m[1], 2, 6, 3, 7);
+    const F4 t2 = __builtin_shufflevector(m[2], m[3], 0, 4, 1, 5);
+    const F4 t3 = __builtin_shufflevector(m[2], m[3], 2, 6, 3, 7);
+    m[0] = __builtin_shufflevector(t0, t2, 0, 1, 4, 5);
+    m[1] = __builtin_shufflevector(t0, t2, 2, 3, 6, 7);
+    m[2] = __builtin_shufflevector(t1, t3, 0, 1, 4, 5);
+    m[3] = __builtin_shufflevector(t1, t3, 2, 3, 6, 7);
 }
 
 // A 3x3 rotation per lane.
@@ -129,7 +148,7 @@ inline F4 joint_values(const JointLanes& l, F4 theta) {
         const D2 above = choose(q > l.hi[h], one, zero);
         q += kTurn * (below - above);
         const D2 wrapped = raw - kTurn * round_to_integer(raw * (1.0 / kTurn));
-        const D2 chosen = choose((q >= l.lo[h]) & (q <= l.hi[h]), q, wrapped);
+        const D2 chosen = choose(both(q >= l.lo[h], q <= l.hi[h]), q, wrapped);
         out[2 * h] = static_cast<float>(chosen[0]);
         out[2 * h + 1] = static_cast<float>(chosen[1]);
     }
