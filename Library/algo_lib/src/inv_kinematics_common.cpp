@@ -6,6 +6,7 @@
 
 #include "inv_kinematics_internal.h"
 #include "libalgo_interface.h"
+#include "pose_terms.h"
 #include "qman_inv_kinematics.h"
 #include "qman_mathfuncs.h"
 
@@ -189,8 +190,10 @@ int solve_with_table(const ModelSolver& model, const DH* dh, const Matrix* flang
 }
 
 Matrix flange_target(const Pose& pose, int form) {
-    const Matrix target = calc_Tbase2tool_from_Pose(&pose, form);
-    return times_inverse(inverse_times(libalgo_get_robot_install_angle_matrix(), target), libalgo_get_tool_cs_matrix());
+    // Built and read in place rather than through the by-value interface calls.
+    const Matrix target = form == USE_QUAT ? quat_transform(pose.position, pose.quaternion)
+                                           : euler_transform(pose.position, pose.euler);
+    return times_inverse(inverse_times(robot.install_matrix, target), robot.tool_cs);
 }
 
 }  // namespace algo::ik
