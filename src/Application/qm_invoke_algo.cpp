@@ -209,8 +209,7 @@ qm_inverse_kinematics_all_solve_t invoke_from_ik_solve(const IkSolve& s) {
 
 int invoke_ik_form(uint8_t flag) { return flag == 0 ? USE_QUAT : USE_EULER; }
 
-int invoke_inverse_kinematics(const float* q_in, const qm_pose_t& target, int form, float* q_out) {
-    const JointRadians q_ref = invoke_rad_of(q_in);
+int invoke_inverse_kinematics(const JointRadians& q_ref, const qm_pose_t& target, int form, float* q_out) {
     float q_sol[ROBOT_DOF] = {};
     const Pose pose = invoke_to_pose(target);
     const int rc = inverse_kinematics(q_ref.data(), &pose, q_sol, form);

@@ -267,7 +267,7 @@ int ikine_get_7dof_solver_search_strategy(void) { return g_search_strategy; }
 
 void ikine_set_solution_range_qm75(float range) {
     if (std::isnan(range)) return;
-    g_solution_range = std::fmax(Q_STEP_MIN, std::fmin(Q_STEP_MAX, range));
+    g_solution_range = range < Q_STEP_MIN ? Q_STEP_MIN : (range > Q_STEP_MAX ? Q_STEP_MAX : range);
 }
 
 float ikine_get_solution_range_qm75(void) { return g_solution_range; }
