@@ -120,8 +120,10 @@ void Connection::end_raw(bool complete) {
     Raw raw = std::move(*raw_);
     raw_.reset();
     loop_.cancel(raw.expiry);
-    log_.traffic(arm_, id_, true,
-                 "(" + std::to_string(raw.bytes.size()) + " bytes of data" + (complete ? ")" : ", incomplete)"));
+    std::string summary = "(";
+    summary += std::to_string(raw.bytes.size());
+    summary += complete ? " bytes of data)" : " bytes of data, incomplete)";
+    log_.traffic(arm_, id_, true, summary);
     if (complete)
         raw.done(*this, std::string_view(raw.bytes));
     else

@@ -15,6 +15,14 @@ Log::Log(NoteSink notes, const std::string& traffic_path) : notes_(std::move(not
     }
 }
 
+void Log::note(int connection, std::string_view text) const {
+    std::string line = "#";
+    line += std::to_string(connection);
+    line += ": ";
+    line += text;
+    note(line);
+}
+
 void Log::note(const std::string& text) const {
     if (notes_) {
         notes_(text);

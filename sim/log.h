@@ -21,6 +21,8 @@ public:
     Log(NoteSink notes, const std::string& traffic_path);
 
     void note(const std::string& text) const;
+    // A note about client connection `connection`: "#<connection>: <text>".
+    void note(int connection, std::string_view text) const;
     // One line in (`incoming`) or out of a connection.
     void traffic(int arm, int connection, bool incoming, std::string_view line) const;
     bool traffic_on() const { return traffic_ != nullptr; }

@@ -45,7 +45,7 @@ private:
     void on_ready(int side, std::uint32_t ready) {
         if (side == kUpstream && !connected_) {
             if (int error = connect_error(sides_[kUpstream].fd.get())) {
-                owner_.log_.note("#" + std::to_string(id_) + ": cannot reach the controller: " + std::strerror(error));
+                owner_.log_.note(id_, std::string("cannot reach the controller: ") + std::strerror(error));
                 return close();
             }
             connected_ = true;
@@ -74,7 +74,7 @@ private:
             return close();
         }
         if (sides_[to].pending.size() > kMaxPending) {
-            owner_.log_.note("#" + std::to_string(id_) + ": a side stopped reading, closed");
+            owner_.log_.note(id_, "a side stopped reading, closed");
             return close();
         }
         flush(to);
@@ -108,7 +108,7 @@ private:
         if (!open_) return;
         open_ = false;
         owner_.recording_.write(id_, '-', "");
-        owner_.log_.note("#" + std::to_string(id_) + ": closed");
+        owner_.log_.note(id_, "closed");
         for (Side& side : sides_) {
             owner_.loop_.unwatch(side.fd.get());
             side.fd.reset();
@@ -144,10 +144,10 @@ void Recorder::accept(Fd client, const sockaddr_in& peer) {
     const int id = next_id_++;
     Fd upstream = connect_to(upstream_);
     if (!upstream) {
-        log_.note("#" + std::to_string(id) + ": cannot connect to the controller " + options_.upstream);
+        log_.note(id, "cannot connect to the controller " + options_.upstream);
         return;
     }
-    log_.note("#" + std::to_string(id) + ": " + address_text(peer) + " to the controller " + options_.upstream);
+    log_.note(id, address_text(peer) + " to the controller " + options_.upstream);
     recording_.write(id, '+', address_text(peer));
     relays_[id] = std::make_unique<Relay>(*this, id, std::move(client), std::move(upstream));
 }

@@ -53,7 +53,7 @@ void Replayer::accept(Fd client, const sockaddr_in& peer) {
         return;
     }
     const int id = next_id_++;
-    log_.note("#" + std::to_string(id) + ": " + address_text(peer) + " replays recorded connection " +
+    log_.note(id, address_text(peer) + " replays recorded connection " +
               std::to_string(next_session_ + 1));
     session_of_[id] = next_session_++;
     auto connection = std::make_unique<Connection>(
@@ -84,7 +84,7 @@ void Replayer::serve(Connection& from, std::string_view line) {
     for (std::size_t i = session.next; i < session.exchanges.size() && match == session.exchanges.size(); ++i)
         if (!name.empty() && command_of(session.exchanges[i].request) == name) match = i;
     if (match == session.exchanges.size()) {
-        log_.note("#" + std::to_string(from.id()) + ": not in the recording: " + std::string(line.substr(0, 200)));
+        log_.note(from.id(), std::string("not in the recording: ").append(line.substr(0, 200)));
         JsonPtr error(cJSON_CreateObject());
         cJSON_AddStringToObject(error.get(), "command", name.empty() ? "error" : name.c_str());
         cJSON_AddStringToObject(error.get(), "error", "not in the recording");
@@ -93,7 +93,7 @@ void Replayer::serve(Connection& from, std::string_view line) {
         return;
     }
     if (match > session.next)
-        log_.note("#" + std::to_string(from.id()) + ": " + std::to_string(match - session.next) +
+        log_.note(from.id(), std::to_string(match - session.next) +
                   " recorded requests skipped");
     session.next = match + 1;
     answer(from, session.exchanges[match]);
