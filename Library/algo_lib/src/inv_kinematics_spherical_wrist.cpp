@@ -22,6 +22,17 @@ struct SinCos {
     float c;
 };
 
+// The angle of (x, y), whose length is given, with its sine and cosine; free_angle when the point
+// lies on the axis.
+float direction(float y, float x, float length, float free_angle, SinCos& sc) {
+    if (length < kAxisEps) {
+        sc = {std::sin(free_angle), std::cos(free_angle)};
+        return free_angle;
+    }
+    sc = {y / length, x / length};
+    return fast_atan2(y, x);
+}
+
 // Joints 1 to 3 of one arm configuration (q mapped, j1 and j23 their rotations).
 struct Arm {
     float q[3];
@@ -48,13 +59,8 @@ public:
         const float wz = flange.data[2][3] - d6 * r_[2][2];
 
         reach_ = std::sqrt(wx * wx + wy * wy);
-        if (reach_ < kAxisEps) {
-            t1_ = in.q_ref[0] + in.dh.offset[0];  // wrist centre on axis 1: joint 1 is free
-            j1_ = {std::sin(t1_), std::cos(t1_)};
-        } else {
-            t1_ = fast_atan2(wy, wx);
-            j1_ = {wy / reach_, wx / reach_};
-        }
+        // Wrist centre on axis 1: joint 1 is free.
+        t1_ = direction(wy, wx, reach_, in.q_ref[0] + in.dh.offset[0], j1_);
 
         // Joint 3 from the distance between shoulder and wrist centre: t3 = beta -+ gamma.
         const float ell = std::sqrt(a3 * a3 + d4 * d4);
@@ -77,18 +83,11 @@ public:
         const SinCos j3 = {beta_.s * cg_ + bend * beta_.c * sg_, beta_.c * cg_ - bend * beta_.s * sg_};
         const float a = a2_ + a3_ * j3.c + d4_ * j3.s;
         const float b = a3_ * j3.s - d4_ * j3.c;
-        float t2;
-        SinCos j2;
         const float sy = a * y_ - b * x;
         const float cx = a * x + b * y_;
-        const float norm = std::sqrt(sy * sy + cx * cx);
-        if (norm < kAxisEps) {
-            t2 = in.q_ref[1] + in.dh.offset[1];  // wrist centre on axis 2: joint 2 is free
-            j2 = {std::sin(t2), std::cos(t2)};
-        } else {
-            t2 = fast_atan2(sy, cx);
-            j2 = {sy / norm, cx / norm};
-        }
+        // Wrist centre on axis 2: joint 2 is free.
+        SinCos j2;
+        const float t2 = direction(sy, cx, std::sqrt(sy * sy + cx * cx), in.q_ref[1] + in.dh.offset[1], j2);
         Arm arm;
         arm.j1 = {sign * j1_.s, sign * j1_.c};
         arm.j23 = {j2.s * j3.c + j2.c * j3.s, j2.c * j3.c - j2.s * j3.s};
