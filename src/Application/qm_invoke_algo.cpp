@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <chrono>
 
 #include "qman_inv_kinematics.h"
 
@@ -75,13 +74,6 @@ std::atomic<uint64_t> loaded_generation{0};
 
 // Anything configured through the bridge replaces what a connection's configuration loaded.
 void configured_by_hand() { loaded_generation.store(0, std::memory_order_relaxed); }
-
-void record_solve_time(double ms) {
-    static bool timed = false;
-    if (!timed || ms < invoke_inverse_time_total_min) invoke_inverse_time_total_min = ms;
-    if (!timed || ms > invoke_inverse_time_total_max) invoke_inverse_time_total_max = ms;
-    timed = true;
-}
 
 }  // namespace
 
@@ -217,13 +209,10 @@ qm_inverse_kinematics_all_solve_t invoke_from_ik_solve(const IkSolve& s) {
 
 int invoke_ik_form(uint8_t flag) { return flag == 0 ? USE_QUAT : USE_EULER; }
 
-int invoke_inverse_kinematics(const float* q_in, const qm_pose_t& target, int form, float* q_out) {
-    const JointRadians q_ref = invoke_rad_of(q_in);
+int invoke_inverse_kinematics(const JointRadians& q_ref, const qm_pose_t& target, int form, float* q_out) {
     float q_sol[ROBOT_DOF] = {};
     const Pose pose = invoke_to_pose(target);
-    const auto start = std::chrono::steady_clock::now();
     const int rc = inverse_kinematics(q_ref.data(), &pose, q_sol, form);
-    record_solve_time(std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count());
     if (rc == IKINE_SUCCESSFUL) invoke_joints_to_deg(q_sol, q_out);
     return rc;
 }

@@ -168,4 +168,34 @@ TEST_F(QM65Loaded, EulerAndQuaternionFormsReadTheirOwnOrientationFromTheCurrentT
     EXPECT_LT(ik_test::max_joint_difference(out, q_, 6), ik_test::kJointTol);
 }
 
+// The solve of one branch stops early once no other arm configuration can be nearer; its answer
+// must be the selection's among all branches, bit for bit, in range and limited alike.
+TEST(NearestBranch, AgreesWithTheSelectionAmongAllBranches) {
+    for (const RobotType type : {QM65, QML63II}) {
+        ASSERT_EQ(libalgo_set_robot_and_sensor_type(type, _B), 0);
+        float lo[ROBOT_DOF], hi[ROBOT_DOF];
+        libalgo_get_jointlim_min(lo);
+        libalgo_get_jointlim_max(hi);
+        const auto targets = reference::random_joints_within_limits(2000 / ik_test::kSlowBuildDivisor, 5u + type);
+        const auto refs = reference::random_joints_within_limits(2000 / ik_test::kSlowBuildDivisor, 9u + type);
+        for (float& l : lo) l *= 0.7f;  // narrower limits: some targets have no branch within them
+        for (float& h : hi) h *= 0.7f;
+        libalgo_set_jointlim_min(lo);
+        libalgo_set_jointlim_max(hi);
+        int limited = 0;
+        for (std::size_t i = 0; i < targets.size(); ++i) {
+            const Pose pose = ik_test::pose_of(targets[i].data());
+            IkSolve all;
+            ASSERT_EQ(inverse_kinematics_all(&all, refs[i].data(), &pose, USE_QUAT), IKINE_SUCCESSFUL);
+            const int chosen = ikine_select_ik_solve(kOnes, &all);
+            float out[ROBOT_DOF] = {};
+            const int rc = inverse_kinematics(refs[i].data(), &pose, out, USE_QUAT);
+            ASSERT_EQ(rc, chosen < 0 ? IKINE_LIMITED : IKINE_SUCCESSFUL) << type << " target " << i;
+            limited += chosen < 0;
+            for (int j = 0; chosen >= 0 && j < 6; ++j) ASSERT_EQ(out[j], all.q_solve[chosen][j]) << type << " " << i;
+        }
+        EXPECT_GT(limited, 0);
+    }
+}
+
 }  // namespace

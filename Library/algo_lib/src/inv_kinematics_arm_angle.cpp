@@ -9,9 +9,11 @@
 // blend, the wrist product Ry(-t4)*R_S^T*R and two ZYZ extractions: up to 8 branches.
 
 #include <cmath>
+#include <cstring>
 #include <initializer_list>
 
 #include "inv_kinematics_arm_angle.h"
+#include "inv_kinematics_lanes.h"
 #include "libalgo_interface.h"
 #include "qman_inv_kinematics.h"
 
@@ -22,8 +24,9 @@ int g_search_strategy = 0;
 float g_solution_range = Q_STEP_MAX;
 
 // Shoulder Rz(t1)*Ry(t2) with joint 3 at zero that turns the upper-arm-to-wrist vector
-// (vx, 0, vz) onto sw: t1 is the azimuth of sw, t2 the difference of the two elevations.
-void shoulder_zero(const Vec3& sw, float vx, float vz, Mat3 out) {
+// (vx, 0, vz) onto sw: t1 is the azimuth of sw, t2 the difference of the two elevations. Inline,
+// so that a caller reads the matrix from registers rather than back from the stores.
+[[gnu::always_inline]] inline void shoulder_zero(const Vec3& sw, float vx, float vz, Mat3 out) {
     const float horizontal = std::sqrt(sw.x * sw.x + sw.y * sw.y);
     const float len = std::sqrt(horizontal * horizontal + sw.z * sw.z);
     const float v = std::sqrt(vx * vx + vz * vz);
@@ -64,7 +67,9 @@ float arm_angle_between(const Mat3 shoulder, const Mat3 shoulder0, const Vec3& a
 }
 
 ArmAngleTarget arm_angle_target(const DH& dh, const Matrix& flange, float reach_tol) {
-    ArmAngleTarget t{};
+    // Not value-initialised: every member is written below, the elbows cleared only when unreachable.
+    ArmAngleTarget t;
+    t.reachable = false;
     const float d3 = dh.d[2], d5 = dh.d[4], d7 = dh.d[6];
     Mat3& r = t.rotation;
     for (int i = 0; i < 3; ++i) {
@@ -74,14 +79,20 @@ ArmAngleTarget arm_angle_target(const DH& dh, const Matrix& flange, float reach_
                      flange.data[2][3] - d7 * r[2][2] - dh.d[0]};
     const float len = std::sqrt(sw.x * sw.x + sw.y * sw.y + sw.z * sw.z);
     float c4;
-    if (len < kAxisEps || !triangle_cosine(len, d3, d5, c4, reach_tol)) return t;
+    if (len < kAxisEps || !triangle_cosine(len, d3, d5, c4, reach_tol)) {
+        t.axis = Vec3{};
+        t.elbow[0] = t.elbow[1] = ElbowBranch{};
+        return t;
+    }
     t.reachable = true;
-    t.axis = {sw.x / len, sw.y / len, sw.z / len};
-    const Vec3& s = t.axis;
+    // Worked in locals and stored once: read back from the record, the matrices would wait for
+    // their own stores.
+    const Vec3 s = {sw.x / len, sw.y / len, sw.z / len};
+    t.axis = s;
     const float s4 = std::sqrt(1.0f - c4 * c4);
     const float g4 = fast_atan2(s4, c4);
     for (int e = 0; e < 2; ++e) {
-        ElbowBranch& b = t.elbow[e];
+        ElbowBranch b;
         b.t4 = e == 0 ? g4 : -g4;
         b.c4 = c4;
         b.s4 = e == 0 ? s4 : -s4;
@@ -98,6 +109,7 @@ ArmAngleTarget arm_angle_target(const DH& dh, const Matrix& flange, float reach_
             b.shoulder_const[2][j] = s.z * along;
             for (int i = 0; i < 3; ++i) b.shoulder_cos[i][j] = b.shoulder0[i][j] - b.shoulder_const[i][j];
         }
+        t.elbow[e] = b;
     }
     return t;
 }
@@ -107,37 +119,55 @@ MiddleSines branches_at(const SolveInput& in, const ArmAngleTarget& t, const flo
     MiddleSines sines{};
     begin_solutions(in, out);
     const float sn = std::sin(psi), cs = std::cos(psi);
-    float q[ROBOT_DOF] = {};
+    // Four Z-Y-Z extractions in one pass, lanes: shoulder of elbow sign 0, of sign 1, wrist of
+    // sign 0, of sign 1.
+    Mat3 rot[2], wrist_rot[2];
+    for (int e = 0; e < 2; ++e) {
+        const ElbowBranch& b = t.elbow[e];
+        blend(b.shoulder_sin, b.shoulder_cos, b.shoulder_const, sn, cs, rot[e]);
+        wrist_rotation(b, rot[e], t.rotation, wrist_rot[e]);
+    }
+    lanes::Mat3x4 r;
+    for (int i = 0; i < 3; ++i) {
+        for (int j = 0; j < 3; ++j) r[i][j] = lanes::F4{rot[0][i][j], rot[1][i][j], wrist_rot[0][i][j], wrist_rot[1][i][j]};
+    }
+    const lanes::Zyz z = lanes::zyz_angles(r, lanes::F4{theta_ref[0], theta_ref[0], theta_ref[4], theta_ref[4]});
+    // Joints per angle of the extraction, in the lanes' order.
+    static constexpr int kJoints[3][4] = {{0, 0, 4, 4}, {1, 1, 5, 5}, {2, 2, 6, 6}};
+    const lanes::F4 first[3] = {z.a, z.b, z.c};
+    const lanes::F4 twin[3] = {z.a + lanes::splat(kPi), -z.b, z.c + lanes::splat(kPi)};
+    lanes::F4 q_of[2][3];  // [branch of the extraction][angle]
+    for (int k = 0; k < 3; ++k) {
+        const lanes::JointLanes joints = lanes::joint_lanes(in, kJoints[k]);
+        q_of[0][k] = lanes::joint_values(joints, first[k]);
+        q_of[1][k] = lanes::joint_values(joints, twin[k]);
+    }
+    // Rows written in place, in the order add_branch would append them, as two halves each:
+    // transposed, the extraction's lanes are (joints 1-3, joint 4) of each elbow sign's shoulder
+    // and (joints 5-7, 0) of its wrist.
+    lanes::F4 half[2][4];  // [branch of the extraction][lane]
+    for (int k = 0; k < 2; ++k) {
+        half[k][0] = q_of[k][0];
+        half[k][1] = q_of[k][1];
+        half[k][2] = q_of[k][2];
+        half[k][3] = lanes::F4{joint_value(in, 3, t.elbow[0].t4), joint_value(in, 3, t.elbow[1].t4), 0.0f, 0.0f};
+        lanes::transpose(half[k]);
+    }
+    int n = 0;
     for (int e = 0; e < 2; ++e) {
         if ((elbows & (1 << e)) == 0) continue;
-        const ElbowBranch& b = t.elbow[e];
-        Mat3 rot;
-        blend(b.shoulder_sin, b.shoulder_cos, b.shoulder_const, sn, cs, rot);
-        const ZyzBranches shoulder = zyz_angles(rot, theta_ref[0]);
-        Mat3 wrist_rot;
-        wrist_rotation(b, rot, t.rotation, wrist_rot);
-        const ZyzBranches wrist = zyz_angles(wrist_rot, theta_ref[4]);
-        sines.shoulder[e] = shoulder.sin_b;
-        sines.wrist[e] = wrist.sin_b;
-        float sq[2][3];
-        float wq[2][3];
-        for (int k = 0; k < 2; ++k) {
-            for (int j = 0; j < 3; ++j) {
-                sq[k][j] = joint_value(in, j, shoulder.angles[k][j]);
-                wq[k][j] = joint_value(in, 4 + j, wrist.angles[k][j]);
-            }
-        }
-        q[3] = joint_value(in, 3, b.t4);
-        for (const auto& sh : sq) {
-            for (const auto& wr : wq) {
-                for (int j = 0; j < 3; ++j) {
-                    q[j] = sh[j];
-                    q[4 + j] = wr[j];
-                }
-                add_branch(q, out);
+        sines.shoulder[e] = z.sin_b[e];
+        sines.wrist[e] = z.sin_b[2 + e];
+        for (const auto& sh : half) {
+            for (const auto& wr : half) {
+                float* row = out.q_solve[n++];
+                std::memcpy(row, &sh[e], sizeof sh[e]);
+                std::memcpy(row + 4, &wr[2 + e], sizeof wr[2 + e]);
             }
         }
     }
+    out.num = n;
+    out.result = n > 0;
     return sines;
 }
 
@@ -237,7 +267,7 @@ int ikine_get_7dof_solver_search_strategy(void) { return g_search_strategy; }
 
 void ikine_set_solution_range_qm75(float range) {
     if (std::isnan(range)) return;
-    g_solution_range = std::fmax(Q_STEP_MIN, std::fmin(Q_STEP_MAX, range));
+    g_solution_range = range < Q_STEP_MIN ? Q_STEP_MIN : (range > Q_STEP_MAX ? Q_STEP_MAX : range);
 }
 
 float ikine_get_solution_range_qm75(void) { return g_solution_range; }

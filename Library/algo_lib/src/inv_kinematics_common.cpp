@@ -6,6 +6,7 @@
 
 #include "inv_kinematics_internal.h"
 #include "libalgo_interface.h"
+#include "pose_terms.h"
 #include "qman_inv_kinematics.h"
 #include "qman_mathfuncs.h"
 
@@ -89,13 +90,12 @@ int select_fixed(const float* weights, const IkSolve& solve, int dof, const Join
     double best_cost = kCostCeiling;
     for (int i = 0; i < num; ++i) {
         const float* q = solve.q_solve[i];
-        if (!within_limits(q, n, limits)) continue;
         double c = 0.0;
         for (int j = 0; j < n; ++j) {
             const double dq = static_cast<double>(q[j]) - ref[j];
             c += w[j] * dq * dq;
         }
-        if (c < best_cost) {
+        if (within_limits(q, n, limits) && c < best_cost) {
             best_cost = c;
             best = i;
         }
@@ -111,11 +111,11 @@ ModelSolver model_solver(int robot_type) {
     switch (robot_type) {
         case QM65:
         case QML63I:
-            return {solve_spherical_wrist, 6, shape};
+            return {solve_spherical_wrist, 6, shape, nearest_spherical_wrist};
         case QML63II:
         case QML63III:
         case QML63IV:
-            return {solve_spherical_wrist_offset, 6, shape};
+            return {solve_spherical_wrist_offset, 6, shape, nearest_spherical_wrist_offset};
         case LUX65:
         case LUX62:
         case LUX63:
@@ -148,12 +148,6 @@ void begin_solutions(const SolveInput& in, IkSolve& out) {
     std::memcpy(out.q_ref, in.q_ref, sizeof out.q_ref);
 }
 
-void add_branch(const float* q, IkSolve& out) {
-    if (out.num >= 8) return;
-    std::memcpy(out.q_solve[out.num++], q, sizeof(float) * ROBOT_DOF);
-    out.result = true;
-}
-
 int select_solution(const float* weights, const IkSolve& solve, int dof, const JointLimits& limits, double* cost) {
     if (solve.num < 1) return -1;
     switch (dof) {
@@ -175,12 +169,16 @@ int pick_solution(const SolveInput& in, const IkSolve& solve, float* q_out) {
     return IKINE_SUCCESSFUL;
 }
 
+int solve_nearest(const ModelSolver& model, const SolveInput& in, const Matrix& flange, float* q_out) {
+    if (model.nearest != nullptr && in.nominal) return model.nearest(in, flange, q_out);
+    IkSolve solve;
+    solve_model(model, in, flange, solve);
+    return pick_solution(in, solve, q_out);
+}
+
 int solve_flange_target(const ModelSolver& model, const Matrix* flange, const float* q_ref, float* q_out) {
     if (!flange || !q_ref || !q_out) return IKINE_FAILED;
-    const SolveInput in = make_solve_input(q_ref, model);
-    IkSolve solve;
-    solve_model(model, in, *flange, solve);
-    return pick_solution(in, solve, q_out);
+    return solve_nearest(model, make_solve_input(q_ref, model), *flange, q_out);
 }
 
 int solve_with_table(const ModelSolver& model, const DH* dh, const Matrix* flange, const float* q_ref, IkSolve* out) {
@@ -192,8 +190,10 @@ int solve_with_table(const ModelSolver& model, const DH* dh, const Matrix* flang
 }
 
 Matrix flange_target(const Pose& pose, int form) {
-    const Matrix target = calc_Tbase2tool_from_Pose(&pose, form);
-    return times_inverse(inverse_times(libalgo_get_robot_install_angle_matrix(), target), libalgo_get_tool_cs_matrix());
+    // Built and read in place rather than through the by-value interface calls.
+    const Matrix target = form == USE_QUAT ? quat_transform(pose.position, pose.quaternion)
+                                           : euler_transform(pose.position, pose.euler);
+    return times_inverse(inverse_times(robot.install_matrix, target), robot.tool_cs);
 }
 
 }  // namespace algo::ik
@@ -227,11 +227,7 @@ int inverse_kinematics(const float* q_ref, const Pose* target, float* q_out, int
     if (!q_ref || !target || !q_out) return IKINE_FAILED;
     const ModelSolver model = model_solver(libalgo_get_robot_type());
     if (!model.solver) return IKINE_UNKNOWN_TYPE;
-    const Matrix flange = flange_target(*target, form);
-    const SolveInput in = make_solve_input(q_ref, model);
-    IkSolve solve;
-    solve_model(model, in, flange, solve);
-    return pick_solution(in, solve, q_out);
+    return solve_nearest(model, make_solve_input(q_ref, model), flange_target(*target, form), q_out);
 }
 
 int ikine_select_ik_solve(const float* weights, const IkSolve* solve) {

@@ -4,7 +4,9 @@
 // Shared pieces of the inverse-kinematics solvers; not part of the library's interface.
 
 #include <cmath>
+#include <cstring>
 
+#include "constant_define.h"
 #include "dh_table_shape.h"
 #include "robot_define.h"
 
@@ -42,17 +44,24 @@ struct SolveInput {
 
 // Fills out with the branches for flange (base to flange) and returns their count.
 using Solver = int (*)(const SolveInput& in, const Matrix& flange, IkSolve& out);
+// The branch the selection would choose among the solver's for a nominal table, into q_out
+// (first dof joints); the result code of the selection.
+using NearestSolver = int (*)(const SolveInput& in, const Matrix& flange, float* q_out);
 
 int solve_spherical_wrist(const SolveInput& in, const Matrix& flange, IkSolve& out);         // QM65
 int solve_spherical_wrist_offset(const SolveInput& in, const Matrix& flange, IkSolve& out);  // QML63
 int solve_parallel_axes(const SolveInput& in, const Matrix& flange, IkSolve& out);
 int solve_arm_angle_search(const SolveInput& in, const Matrix& flange, IkSolve& out);
+int nearest_spherical_wrist(const SolveInput& in, const Matrix& flange, float* q_out);         // QM65
+int nearest_spherical_wrist_offset(const SolveInput& in, const Matrix& flange, float* q_out);  // QML63
 
 // Solver, joint count and table shape of a robot type; solver is null for types without one.
+// nearest, where a model has it, finds the selection's branch without forming every branch.
 struct ModelSolver {
     Solver solver;
     int dof;
     const TableShape* shape;
+    NearestSolver nearest = nullptr;
 };
 ModelSolver model_solver(int robot_type);
 
@@ -86,21 +95,65 @@ SolveInput make_solve_input(const float* q_ref, const ModelSolver& model);
 // Starts an empty solution set for in's reference.
 void begin_solutions(const SolveInput& in, IkSolve& out);
 // Appends a branch of ROBOT_DOF joint values, zero beyond the model's joints.
-void add_branch(const float* q, IkSolve& out);
-
-// True when each of the first dof joints lies within its limits (a NaN never does).
-inline bool within_limits(const float* q, int dof, const JointLimits& limits) {
-    for (int j = 0; j < dof; ++j) {
-        if (!(q[j] <= limits.max[j] && q[j] >= limits.min[j])) return false;
-    }
-    return true;
+inline void add_branch(const float* q, IkSolve& out) {
+    if (out.num >= 8) return;
+    std::memcpy(out.q_solve[out.num++], q, sizeof(float) * ROBOT_DOF);
+    out.result = true;
 }
+
+// True when joints first to last - 1 lie within their limits (a NaN never does). Every joint is
+// compared: which branches are within the limits is random, and a jump per joint mispredicts.
+inline bool joints_within_limits(const float* q, int first, int last, const JointLimits& limits) {
+    bool inside = true;
+    for (int j = first; j < last; ++j) inside &= (q[j] <= limits.max[j]) & (q[j] >= limits.min[j]);
+    return inside;
+}
+inline bool within_limits(const float* q, int dof, const JointLimits& limits) {
+    return joints_within_limits(q, 0, dof, limits);
+}
+
+// The selection with unit weights over branches offered in any order: the cheapest within the
+// limits below the cost ceiling, the lower index on a tie, as a walk in index order finds.
+// Costs add joint by joint in the selection's order, so a partial sum never exceeds the whole.
+class NearestBranch {
+public:
+    explicit NearestBranch(const SolveInput& in) : in_(in) {}
+    double cost(const float* q, int first, int last, double sum) const {
+        for (int j = first; j < last; ++j) {
+            const double dq = static_cast<double>(q[j]) - static_cast<double>(in_.q_ref[j]);
+            sum += dq * dq;
+        }
+        return sum;
+    }
+    // False once a branch costing at least partial cannot win any more.
+    bool could_take(double partial) const { return partial <= cost_; }
+    void offer(int index, const float* q, double cost) {
+        if (cost < cost_ || (cost == cost_ && index < index_)) {
+            cost_ = cost;
+            index_ = index;
+            std::memcpy(q_, q, sizeof q_);
+        }
+    }
+    int result(float* q_out) const {
+        if (index_ < 0) return IKINE_LIMITED;
+        std::memcpy(q_out, q_, sizeof(float) * static_cast<size_t>(in_.dof));
+        return IKINE_SUCCESSFUL;
+    }
+
+private:
+    const SolveInput& in_;
+    double cost_ = 1000000.0;  // the selection's ceiling
+    int index_ = -1;
+    float q_[ROBOT_DOF] = {};
+};
 
 // Selection over the first dof joints; writes the winning cost when cost is not null.
 int select_solution(const float* weights, const IkSolve& solve, int dof, const JointLimits& limits,
                     double* cost);
 // Result code of a solved set, and the chosen joints (first dof) on success.
 int pick_solution(const SolveInput& in, const IkSolve& solve, float* q_out);
+// The model's branches for flange and the selection's choice among them: pick_solution's result.
+int solve_nearest(const ModelSolver& model, const SolveInput& in, const Matrix& flange, float* q_out);
 
 // Runs the model's solver with the given table; IKINE_SUCCESSFUL when it found a branch.
 int solve_with_table(const ModelSolver& model, const DH* dh, const Matrix* flange, const float* q_ref, IkSolve* out);

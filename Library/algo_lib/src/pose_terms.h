@@ -6,6 +6,7 @@
 // Not part of the library's interface.
 
 #include <cmath>
+#include <cstring>
 
 #include "lane_trig.h"
 #include "robot_define.h"
@@ -55,12 +56,80 @@ inline Quat quat_of(const Matrix& m) {
     return Quat{(R[1][0] - R[0][1]) * k, (R[0][2] + R[2][0]) * k, (R[1][2] + R[2][1]) * k, 0.25f * S};
 }
 
+// Stored in the three pieces (16, 16 and 8 bytes) in which a copy of the record reads it, so that
+// the copy takes its bytes straight from these stores instead of stalling until they are written.
 inline Pose pose_of(const Matrix& t) {
+    using lanes::F4;
+    const Euler e = euler_of(t);
+    const Quat q = quat_of(t);
+    static_assert(sizeof(Pose) == 10 * sizeof(float));
+    const F4 first{t.data[0][3], t.data[1][3], t.data[2][3], q.w};
+    const F4 second{q.x, q.y, q.z, e.rx};
+    const float last[2] = {e.ry, e.rz};
     Pose p;
-    p.position = Pos{t.data[0][3], t.data[1][3], t.data[2][3]};
-    p.euler = euler_of(t);
-    p.quaternion = quat_of(t);
+    std::memcpy(&p, &first, sizeof first);
+    std::memcpy(reinterpret_cast<char*>(&p) + sizeof first, &second, sizeof second);
+    std::memcpy(reinterpret_cast<char*>(&p) + 2 * sizeof first, last, sizeof last);
     return p;
+}
+
+// Below this squared norm a quaternion gives the identity.
+constexpr float kQuatNormFloor = 1e-6f;
+
+// The rotation entries of m from q, which need not be normalised.
+inline void set_quat_rotation(const Quat& q, Matrix& m) {
+    const float n = q.w * q.w + q.x * q.x + q.y * q.y + q.z * q.z;
+    const float s = n > kQuatNormFloor ? 2.0f / n : 0.0f;
+    const float wx = s * q.w * q.x, wy = s * q.w * q.y, wz = s * q.w * q.z;
+    const float xx = s * q.x * q.x, xy = s * q.x * q.y, xz = s * q.x * q.z;
+    const float yy = s * q.y * q.y, yz = s * q.y * q.z, zz = s * q.z * q.z;
+    m.data[0][0] = 1.0f - (yy + zz);
+    m.data[0][1] = xy - wz;
+    m.data[0][2] = xz + wy;
+    m.data[1][0] = xy + wz;
+    m.data[1][1] = 1.0f - (xx + zz);
+    m.data[1][2] = yz - wx;
+    m.data[2][0] = xz - wy;
+    m.data[2][1] = yz + wx;
+    m.data[2][2] = 1.0f - (xx + yy);
+}
+
+// The rotation entries of m from fixed X-Y-Z angles, R = Rz * Ry * Rx.
+inline void set_euler_rotation(const Euler& e, Matrix& m) {
+    const float cx = std::cos(e.rx), sx = std::sin(e.rx);
+    const float cy = std::cos(e.ry), sy = std::sin(e.ry);
+    const float cz = std::cos(e.rz), sz = std::sin(e.rz);
+    m.data[0][0] = cz * cy;
+    m.data[0][1] = cz * sy * sx - sz * cx;
+    m.data[0][2] = cz * sy * cx + sz * sx;
+    m.data[1][0] = sz * cy;
+    m.data[1][1] = sz * sy * sx + cz * cx;
+    m.data[1][2] = sz * sy * cx - cz * sx;
+    m.data[2][0] = -sy;
+    m.data[2][1] = cy * sx;
+    m.data[2][2] = cy * cx;
+}
+
+// The rigid transform to position p with the orientation of q (a quaternion) or e (Euler
+// angles), built in place: it starts every inverse kinematics call.
+inline Matrix rigid_transform(const Pos& p) {
+    Matrix m{};
+    m.irow = m.iline = 4;
+    m.data[0][3] = p.x;
+    m.data[1][3] = p.y;
+    m.data[2][3] = p.z;
+    m.data[3][3] = 1.0f;
+    return m;
+}
+inline Matrix quat_transform(const Pos& p, const Quat& q) {
+    Matrix m = rigid_transform(p);
+    set_quat_rotation(q, m);
+    return m;
+}
+inline Matrix euler_transform(const Pos& p, const Euler& e) {
+    Matrix m = rigid_transform(p);
+    set_euler_rotation(e, m);
+    return m;
 }
 
 // a * b for rigid transforms (last row 0, 0, 0, 1): twelve entries, fixed sizes.

@@ -6,8 +6,6 @@
 
 namespace {
 
-constexpr float kQuatNormFloor = 1e-6f;
-
 Matrix rotation3() { return zero_matrix(3, 3); }
 
 // Rotation about x, y or z: the axis row and column stay unit, the next two axes (cyclically)
@@ -22,16 +20,6 @@ Matrix axis_rotation(int axis, float angle) {
     m.data[j][i] = s;
     m.data[j][j] = c;
     return m;
-}
-
-// A rotation widened to a rigid transform that moves to p.
-Matrix with_translation(Matrix t, Pos p) {
-    t.irow = t.iline = 4;
-    t.data[0][3] = p.x;
-    t.data[1][3] = p.y;
-    t.data[2][3] = p.z;
-    t.data[3][3] = 1.0f;
-    return t;
 }
 
 }  // namespace
@@ -50,19 +38,8 @@ Matrix matrix_T2R(Matrix t) {
 }
 
 Matrix euler_to_matrix(Euler e) {
-    const float cx = std::cos(e.rx), sx = std::sin(e.rx);
-    const float cy = std::cos(e.ry), sy = std::sin(e.ry);
-    const float cz = std::cos(e.rz), sz = std::sin(e.rz);
     Matrix m = rotation3();
-    m.data[0][0] = cz * cy;
-    m.data[0][1] = cz * sy * sx - sz * cx;
-    m.data[0][2] = cz * sy * cx + sz * sx;
-    m.data[1][0] = sz * cy;
-    m.data[1][1] = sz * sy * sx + cz * cx;
-    m.data[1][2] = sz * sy * cx - cz * sx;
-    m.data[2][0] = -sy;
-    m.data[2][1] = cy * sx;
-    m.data[2][2] = cy * cx;
+    algo::set_euler_rotation(e, m);
     return m;
 }
 
@@ -75,21 +52,8 @@ Quat euler_to_quat(Euler e) {
 }
 
 Matrix quat_to_matrix(Quat q) {
-    const float n = q.w * q.w + q.x * q.x + q.y * q.y + q.z * q.z;
-    const float s = n > kQuatNormFloor ? 2.0f / n : 0.0f;
-    const float wx = s * q.w * q.x, wy = s * q.w * q.y, wz = s * q.w * q.z;
-    const float xx = s * q.x * q.x, xy = s * q.x * q.y, xz = s * q.x * q.z;
-    const float yy = s * q.y * q.y, yz = s * q.y * q.z, zz = s * q.z * q.z;
     Matrix m = rotation3();
-    m.data[0][0] = 1.0f - (yy + zz);
-    m.data[0][1] = xy - wz;
-    m.data[0][2] = xz + wy;
-    m.data[1][0] = xy + wz;
-    m.data[1][1] = 1.0f - (xx + zz);
-    m.data[1][2] = yz - wx;
-    m.data[2][0] = xz - wy;
-    m.data[2][1] = yz + wx;
-    m.data[2][2] = 1.0f - (xx + yy);
+    algo::set_quat_rotation(q, m);
     return m;
 }
 
@@ -99,9 +63,9 @@ Euler quat_to_euler(Quat q) { return matrix_to_euler(quat_to_matrix(q)); }
 
 Quat matrix_to_quat(Matrix r) { return algo::quat_of(r); }
 
-Matrix pose_euler_to_transformation_matrix(Pos p, Euler e) { return with_translation(euler_to_matrix(e), p); }
+Matrix pose_euler_to_transformation_matrix(Pos p, Euler e) { return algo::euler_transform(p, e); }
 
-Matrix pose_quat_to_transformation_matrix(Pos p, Quat q) { return with_translation(quat_to_matrix(q), p); }
+Matrix pose_quat_to_transformation_matrix(Pos p, Quat q) { return algo::quat_transform(p, q); }
 
 Pose transformation_matrix_to_pose(Matrix t) { return algo::pose_of(t); }
 

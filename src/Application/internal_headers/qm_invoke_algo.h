@@ -16,7 +16,8 @@ extern bool defaut_traversal_mode;
 extern float angleU;
 extern float angleV;
 extern float angleH;
-// Shortest and longest inverse-kinematics solve seen by the bridge, ms.
+// Shortest and longest solve of an overspeed-checking inverse kinematics, ms. The plain solve
+// does not time itself: two clock reads would cost a tenth of the call.
 extern double invoke_inverse_time_total_min;
 extern double invoke_inverse_time_total_max;
 
@@ -93,8 +94,8 @@ qm_inverse_kinematics_all_solve_t invoke_from_ik_solve(const IkSolve& s);
 // Orientation form of an inverse-kinematics request: flag 0 reads the quaternion, any other
 // value the Euler angles.
 int invoke_ik_form(uint8_t flag);
-// inverse_kinematics on degrees, timed; q_out (degrees) is written on success only.
-int invoke_inverse_kinematics(const float* q_in, const qm_pose_t& target, int form, float* q_out);
+// inverse_kinematics from a reference already in radians; q_out (degrees) is written on success only.
+int invoke_inverse_kinematics(const JointRadians& q_ref, const qm_pose_t& target, int form, float* q_out);
 
 // Flange transform in the base frame for joint degrees; a zero matrix for NULL.
 Matrix Forward_Kinematics_e(const float* joint);

@@ -116,13 +116,15 @@ qm_pose_t qm_algo_forward_kinematics(qm_robot_handle* handle, const float* joint
 int qm_algo_inverse_kinematics(qm_robot_handle* handle, qm_inverse_kinematics_params_t params, float* q_out) {
     if (params.flag == 0 && !normalised(params.q_pose.quaternion)) return -2;
     qm_algo_arm_state_set(handle);
-    if (qm_algo_judgment_overpos(params.q_in) != 0) return -1;
+    // The reference is converted once, for the limit check of qm_algo_judgment_overpos and the solve.
+    const JointRadians q_ref = invoke_rad_of(params.q_in);
+    if (ikine_check_joint_position_limit(q_ref.data()) != 0) return -1;
     if (defaut_traversal_mode) {
         ikine_set_solution_range_qm75(Q_STEP_MAX);
         ikine_set_7dof_solver_search_strategy(0);
     }
     float unused[ARM_DOF];
-    const int rc = invoke_inverse_kinematics(params.q_in, params.q_pose, invoke_ik_form(params.flag),
+    const int rc = invoke_inverse_kinematics(q_ref, params.q_pose, invoke_ik_form(params.flag),
                                              q_out != nullptr ? q_out : unused);
     return rc == IKINE_SUCCESSFUL ? 0 : 1;
 }
