@@ -8,8 +8,8 @@
 
 namespace fk {
 
-inline Matrix elbow_wrist_flange(const DH* dh, const float* q, float elbow_offset) {
-    const auto [j1, j2, j3, j4, j5, j6] = joint_trig<6>(dh, q);
+inline Matrix elbow_wrist_flange(const DH* dh, const float* q, float elbow_offset, float unit = 1.0f) {
+    const auto [j1, j2, j3, j4, j5, j6] = joint_trig<6>(dh, q, unit);
     const SinCos j23 = sum(j2, j3);
 
     // Wrist rotation R46 folded into R14.

@@ -1,4 +1,7 @@
 // Model dispatch and the pose variants over the system data.
+#include <algorithm>
+#include <array>
+
 #include "dh_chain.h"
 #include "dh_table_shape.h"
 #include "fk_lux6.h"
@@ -109,20 +112,24 @@ Pose pose_of(const Matrix& f, Around around, bool with_tool) {
     return algo::pose_of(placed(f, p));
 }
 
-// The closed forms of the pose calls, one per model family.
-using Form = Matrix (*)(const DH*, const float*);
-inline Matrix elbow_wrist(const DH* dh, const float* q) { return fk::elbow_wrist_flange(dh, q, 0.0f); }
-inline Matrix offset_elbow_wrist(const DH* dh, const float* q) { return fk::elbow_wrist_flange(dh, q, dh->a[3]); }
+// The closed forms of the pose calls, one per model family, on joint angles times unit.
+using Form = Matrix (*)(const DH*, const float*, float unit);
+inline Matrix elbow_wrist(const DH* dh, const float* q, float unit) {
+    return fk::elbow_wrist_flange(dh, q, 0.0f, unit);
+}
+inline Matrix offset_elbow_wrist(const DH* dh, const float* q, float unit) {
+    return fk::elbow_wrist_flange(dh, q, dh->a[3], unit);
+}
 
 // One pose call in one piece: the closed form expanded with the frames and the angles after it,
 // so that its transform goes on to a pose in registers. Each is built twice: for the baseline
 // instruction set and, for processors that have them, with AVX2 and fused multiply-adds, which
 // shorten its chains of dependent operations. The first call chooses.
-using FormPose = Pose (*)(const float*, Around, bool);
+using FormPose = Pose (*)(const float*, Around, bool, float unit);
 
 template <Form form>
-[[gnu::flatten]] Pose form_pose_baseline(const float* q, Around around, bool with_tool) {
-    return pose_of(form(&robot.dh, q), around, with_tool);
+[[gnu::flatten]] Pose form_pose_baseline(const float* q, Around around, bool with_tool, float unit) {
+    return pose_of(form(&robot.dh, q, unit), around, with_tool);
 }
 
 struct FormPoses {
@@ -134,8 +141,9 @@ constexpr FormPoses kBaselinePoses{form_pose_baseline<elbow_wrist>, form_pose_ba
 
 #if defined(__x86_64__)
 template <Form form>
-__attribute__((target("avx2,fma"), flatten)) Pose form_pose_fma(const float* q, Around around, bool with_tool) {
-    return pose_of(form(&robot.dh, q), around, with_tool);
+__attribute__((target("avx2,fma"), flatten)) Pose form_pose_fma(const float* q, Around around, bool with_tool,
+                                                                  float unit) {
+    return pose_of(form(&robot.dh, q, unit), around, with_tool);
 }
 constexpr FormPoses kFmaPoses{form_pose_fma<elbow_wrist>, form_pose_fma<offset_elbow_wrist>,
                               form_pose_fma<fk::lux_flange>, form_pose_fma<fk::shoulder_elbow_wrist_flange>};
@@ -152,22 +160,34 @@ const FormPoses& form_poses() {
     return *chosen;
 }
 
-Pose placed_pose(const float* q, Around around, bool with_tool) {
+// Joint angles q times unit: radians for the routines that take only those.
+std::array<float, ROBOT_DOF> radians(const float* q, float unit) {
+    std::array<float, ROBOT_DOF> rad{};
+    const int dof = std::clamp(static_cast<int>(robot.rbt_dof), 0, ROBOT_DOF);
+    for (int i = 0; i < dof; ++i) rad[i] = q[i] * unit;
+    return rad;
+}
+
+// The pose for joint angles q times unit (1 for radians): the closed forms take the unit into
+// their angles' sums, the other routines get radians first.
+Pose placed_pose(const float* q, Around around, bool with_tool, float unit = 1.0f) {
     const int type = robot.robot_type;
-    if (type == UNIVERSAL || !algo::table_in_use_nominal())
+    if (type == UNIVERSAL || !algo::table_in_use_nominal()) {
+        if (unit != 1.0f) return placed_pose(radians(q, unit).data(), around, with_tool);
         return with_flange(q, [=](const Matrix& f) { return pose_of(f, around, with_tool); });
+    }
     const FormPoses& poses = form_poses();
     switch (type) {
         case QM75:
         case TAV72:
-        case TAV72II: return poses.seven_joint(q, around, with_tool);
+        case TAV72II: return poses.seven_joint(q, around, with_tool, unit);
         case QML63II:
         case QML63III:
-        case QML63IV: return poses.offset_elbow_wrist(q, around, with_tool);
+        case QML63IV: return poses.offset_elbow_wrist(q, around, with_tool, unit);
         case LUX65:
         case LUX62:
-        case LUX63: return poses.lux(q, around, with_tool);
-        default: return poses.elbow_wrist(q, around, with_tool);
+        case LUX63: return poses.lux(q, around, with_tool, unit);
+        default: return poses.elbow_wrist(q, around, with_tool, unit);
     }
 }
 
@@ -189,6 +209,10 @@ Pos forward_kinematics_pos(const float* q) {
 Pos forward_kinematics_pos_calibration(const float* q) { return tool_point_in_work(calibrated_flange(q)); }
 
 Pose forward_kinematics(const float* q) { return placed_pose(q, Around::World, true); }
+
+Pose forward_kinematics_degrees(const float* q) {
+    return placed_pose(q, Around::World, true, static_cast<float>(ALGO_PI / 180.0));
+}
 
 Matrix forward_kinematics_e(const float* q) { return with_flange(q, as_is); }
 

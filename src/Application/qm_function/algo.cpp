@@ -110,7 +110,7 @@ void qm_algo_arm_state_set(qm_robot_handle* handle) {
 qm_pose_t qm_algo_forward_kinematics(qm_robot_handle* handle, const float* joint) {
     qm_algo_arm_state_set(handle);
     if (joint == nullptr) return qm_pose_t{};
-    return invoke_from_pose(forward_kinematics(invoke_rad_of(joint).data()));
+    return invoke_from_pose(forward_kinematics_degrees(joint));
 }
 
 int qm_algo_inverse_kinematics(qm_robot_handle* handle, qm_inverse_kinematics_params_t params, float* q_out) {

@@ -43,6 +43,8 @@ Pos forward_kinematics_pos_calibration(const float* q);
  * work frame set the two do not round-trip; near +-90 degrees pitch the Euler angles of the pose
  * lose up to 3e-3 rad, so round trips there should go through the quaternion. */
 Pose forward_kinematics(const float* q);
+/* forward_kinematics for joint angles in degrees, the public calls' unit, converted on the way in. */
+Pose forward_kinematics_degrees(const float* q);
 /* Flange transform in the robot's base frame, F (no installation, no frames). */
 Matrix forward_kinematics_e(const float* q);
 /* Flange pose in the work frame, W*I*F. */
