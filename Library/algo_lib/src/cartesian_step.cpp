@@ -1,5 +1,4 @@
 // Cartesian step moves: translate along the tool axes, turn about a frame axis, and step a pose.
-#include <algorithm>
 #include <cmath>
 
 #include "libalgo_interface.h"
@@ -12,12 +11,6 @@ namespace {
 constexpr VEC3 kAxes[3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
 constexpr VEC3 kNoAxis = {0, 0, 0};
 constexpr Euler kWorkAxes = {0, 0, 0};
-
-void joints_to_rad(const float* deg, float* rad) {
-    std::fill(rad, rad + ROBOT_DOF, 0.0f);
-    const int dof = std::clamp(libalgo_get_rbt_dof(), 0, ROBOT_DOF);
-    for (int i = 0; i < dof; ++i) rad[i] = static_cast<float>(deg[i] * DEG2RAD);
-}
 
 Matrix translation(float dx, float dy, float dz) {
     Matrix d = unit_matrix(4);
@@ -69,10 +62,8 @@ extern "C" {
 
 Pose algo_cartesian_tool(const float* curr_joint, float dx, float dy, float dz) {
     if (curr_joint == nullptr) return Pose{};
-    float q[ROBOT_DOF];
-    joints_to_rad(curr_joint, q);
-    // The tool pose exactly as forward_kinematics reports it (work frame), moved along its own axes.
-    Pose pose = forward_kinematics(q);
+    // The tool pose exactly as forward kinematics reports it (work frame), moved along its own axes.
+    Pose pose = forward_kinematics_degrees(curr_joint);
     const Matrix r = quat_to_matrix(pose.quaternion);
     pose.position.x += r.data[0][0] * dx + r.data[0][1] * dy + r.data[0][2] * dz;
     pose.position.y += r.data[1][0] * dx + r.data[1][1] * dy + r.data[1][2] * dz;
@@ -82,9 +73,7 @@ Pose algo_cartesian_tool(const float* curr_joint, float dx, float dy, float dz) 
 
 Pose algo_rotate_move(const float* curr_joint, int rotate_axis, float rotate_angle, Pose choose_axis) {
     if (curr_joint == nullptr) return Pose{};
-    float q[ROBOT_DOF];
-    joints_to_rad(curr_joint, q);
-    const Pose current = forward_kinematics(q);
+    const Pose current = forward_kinematics_degrees(curr_joint);
     const float* axis = rotate_axis >= 1 && rotate_axis <= 3 ? kAxes[rotate_axis - 1] : kNoAxis;
     const auto angle = static_cast<float>(rotate_angle * ALGO_PI / 180.0);
     // Intended: the tool turns in place; a jog about a frame axis should not swing the tool point.
