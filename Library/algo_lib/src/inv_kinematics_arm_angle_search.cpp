@@ -14,6 +14,7 @@
 #include <optional>
 
 #include "inv_kinematics_arm_angle.h"
+#include "inv_kinematics_arm_angle_branches.h"
 #include "inv_kinematics_arm_angle_floor.h"
 #include "inv_kinematics_arm_angle_runs.h"
 #include "qman_inv_kinematics.h"
@@ -233,7 +234,6 @@ public:
         : in_(in),
           t_(t),
           out_(out),
-          middle_(in, t),
           theta_ref_(reference_of(in)),
           psi0_(reference_arm_angle(t, theta_ref_.data())) {}
 
@@ -275,7 +275,7 @@ private:
             for (int i = 0; i < 2 && g.step[i] <= steps; ++i) {
                 for (int side = 0; side < 2; ++side) {
                     const int lane = 2 * i + side;
-                    const int possible = middle_.possible(kBothElbows, g.sn[lane], g.cs[lane]);
+                    const int possible = middle().possible(kBothElbows, g.sn[lane], g.cs[lane]);
                     evaluate_among(g.psi[lane], g.floors.could_beat(possible, lane, best_, ceiling_),
                                    walk_order(g.step[i], side == 0 ? 1 : -1));
                 }
@@ -400,9 +400,15 @@ private:
         batch.size = 0;
     }
 
+    // The filters are made on first use: a call that settles at the reference's arm angle pays
+    // for neither.
     const CostFloor& floor() {
         if (!floor_) floor_.emplace(in_, t_, theta_ref_.data());
         return *floor_;
+    }
+    const MiddleJointFilter& middle() {
+        if (!middle_) middle_.emplace(in_, t_);
+        return *middle_;
     }
 
     // From a table, so that no build fuses the product into the sum: every build and both
@@ -468,7 +474,7 @@ private:
     // earlier by the walk (order, see walk_order). A set looked at for one elbow sign only is
     // completed first: the answer lists every branch of its arm angle.
     void evaluate(float psi, int elbows = kBothElbows, int order = 0) {
-        evaluate_among(psi, middle_.possible(elbows, std::sin(psi), std::cos(psi)), order);
+        evaluate_among(psi, middle().possible(elbows, std::sin(psi), std::cos(psi)), order);
     }
 
     void evaluate_among(float psi, int elbows, int order) {
@@ -553,9 +559,9 @@ private:
     const SolveInput& in_;
     const ArmAngleTarget& t_;
     IkSolve& out_;
-    MiddleJointFilter middle_;
     std::array<float, ROBOT_DOF> theta_ref_;
-    std::optional<CostFloor> floor_;  // made on first use: most calls settle before
+    std::optional<CostFloor> floor_;
+    std::optional<MiddleJointFilter> middle_;
     float psi0_;
     AxisBlend axes_[2];  // of the reference's elbow sign, made on first use
     bool axes_ready_ = false;
@@ -570,17 +576,19 @@ private:
 // The search in one piece, built twice as the forward kinematics' pose calls are: for the
 // baseline instruction set and, for processors that have them, with AVX2 and fused multiply-adds,
 // which the four-lane floors gain most from. The first call chooses.
-using Search = int (*)(const SolveInput&, const ArmAngleTarget&, IkSolve&, int, float);
+using Search = int (*)(const SolveInput&, const Matrix&, IkSolve&, int, float);
 
-[[gnu::flatten]] int search_baseline(const SolveInput& in, const ArmAngleTarget& t, IkSolve& out,
-                                     int strategy, float range) {
-    return ArmAngleSearch(in, t, out).run(strategy, range);
+[[gnu::flatten]] int search_baseline(const SolveInput& in, const Matrix& flange, IkSolve& out, int strategy,
+                                     float range) {
+    const ArmAngleTarget t = arm_angle_target(in.dh, flange, in.reach_tol);
+    return t.reachable ? ArmAngleSearch(in, t, out).run(strategy, range) : 0;
 }
 
 #if defined(__x86_64__)
-__attribute__((target("avx2,fma"), flatten)) int search_fma(const SolveInput& in, const ArmAngleTarget& t,
+__attribute__((target("avx2,fma"), flatten)) int search_fma(const SolveInput& in, const Matrix& flange,
                                                             IkSolve& out, int strategy, float range) {
-    return ArmAngleSearch(in, t, out).run(strategy, range);
+    const ArmAngleTarget t = arm_angle_target(in.dh, flange, in.reach_tol);
+    return t.reachable ? ArmAngleSearch(in, t, out).run(strategy, range) : 0;
 }
 #endif
 
@@ -599,9 +607,7 @@ Search chosen_search() {
 
 int solve_arm_angle_search(const SolveInput& in, const Matrix& flange, IkSolve& out) {
     begin_solutions(in, out);
-    const ArmAngleTarget t = arm_angle_target(in.dh, flange, in.reach_tol);
-    if (!t.reachable) return 0;
-    return chosen_search()(in, t, out, ikine_get_7dof_solver_search_strategy(),
+    return chosen_search()(in, flange, out, ikine_get_7dof_solver_search_strategy(),
                            ikine_get_solution_range_qm75());
 }
 
