@@ -293,11 +293,11 @@ private:
     // reaches the target, most are never looked at.
     void search_runs(int steps) {
         const SearchBound turning = search_bound(in_, t_, theta_ref_.data(), psi0_);
-        std::array<GridRun, kMaxRoots> roots;
-        int count = 0;
+        // Waiting in a heap rather than sorted: most calls look at a few roots only.
+        RunQueue<kMaxRoots> roots;
         for (const int side : {1, -1}) {
             for (int first = 1; first <= steps; first += kRootRun) {
-                GridRun& run = roots[count++];
+                GridRun run;
                 run.first = static_cast<int16_t>(first);
                 run.count = static_cast<int16_t>(std::min(kRootRun, steps - first + 1));
                 run.side = static_cast<int8_t>(side);
@@ -305,22 +305,20 @@ private:
                 const double far = static_cast<double>(first + run.count - 1) * Q_STEP_MIN;
                 run.key = static_cast<float>(side > 0 ? lowest_cost_between(turning, near, far)
                                                       : lowest_cost_between(turning, -far, -near));
+                if (CostFloor::may_beat(run.key, best_)) roots.push(run);
             }
         }
-        std::sort(roots.begin(), roots.begin() + count,
-                  [](const GridRun& a, const GridRun& b) { return a.key < b.key; });
         Queue queue;
         RunBatch batch;
-        int next = 0;
-        while (next < count || !queue.empty()) {
-            if (next < count && (queue.empty() || roots[next].key < queue.top().key)) {
-                if (!CostFloor::may_beat(roots[next].key, best_)) {
-                    next = count;  // nor can any root after it
+        while (!roots.empty() || !queue.empty()) {
+            if (!roots.empty() && (queue.empty() || roots.top().key < queue.top().key)) {
+                if (!CostFloor::may_beat(roots.top().key, best_)) {
+                    roots.clear();  // nor can any root after it
                     continue;
                 }
                 // With the three next cheapest that could beat it too, in one pass.
-                for (int n = 0; n < 4 && next < count && CostFloor::may_beat(roots[next].key, best_); ++n) {
-                    const GridRun& run = roots[next++];
+                for (int n = 0; n < 4 && !roots.empty() && CostFloor::may_beat(roots.top().key, best_); ++n) {
+                    const GridRun run = roots.pop();
                     add_run(batch, queue, run.first, run.count, run.side);
                 }
                 bound_runs(batch, queue);
