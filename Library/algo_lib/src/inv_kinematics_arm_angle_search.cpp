@@ -573,7 +573,8 @@ private:
 
 // The search in one piece, built twice as the forward kinematics' pose calls are: for the
 // baseline instruction set and, for processors that have them, with AVX2 and fused multiply-adds,
-// which the four-lane floors gain most from. The first call chooses.
+// which the four-lane floors gain most from; the target and its branches come inline with it. The
+// first call chooses.
 using Search = int (*)(const SolveInput&, const Matrix&, IkSolve&, int, float);
 
 [[gnu::flatten]] int search_baseline(const SolveInput& in, const Matrix& flange, IkSolve& out, int strategy,
