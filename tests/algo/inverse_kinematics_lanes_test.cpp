@@ -6,7 +6,7 @@
 #include <cstring>
 #include <random>
 
-#include "inv_kinematics_arm_angle.h"
+#include "inv_kinematics_arm_angle_branches.h"
 #include "inv_kinematics_lanes.h"
 
 namespace {

@@ -42,19 +42,10 @@ struct AxisBlend {
     Vec3 vs, vc, v0;
 };
 
-// Shoulder-wrist line and both elbow signs of a flange target; reachable is false when the
-// wrist lies more than reach_tol (m) out of the upper arm and forearm's reach.
-ArmAngleTarget arm_angle_target(const DH& dh, const Matrix& flange, float reach_tol);
-// Every branch at arm angle psi, into out; elbows masks the elbow signs computed (bit e for sign e).
+// Elbow signs of branches_at (inv_kinematics_arm_angle_branches.h): bit e for sign e.
 constexpr int kBothElbows = 3;
-MiddleSines branches_at(const SolveInput& in, const ArmAngleTarget& t, const float* theta_ref, float psi,
-                        IkSolve& out, int elbows = kBothElbows);
 // The reference's joint rotations, offsets included.
 void reference_theta(const SolveInput& in, float* theta);
-// Rz(a)*Ry(b)*Rz(c).
-void zyz_matrix(float a, float b, float c, Mat3 out);
-// Angle of the rotation shoulder * shoulder0^T about axis (exact when it fixes the axis).
-float arm_angle_between(const Mat3 shoulder, const Mat3 shoulder0, const Vec3& axis);
 
 inline void blend(const Mat3 a, const Mat3 b, const Mat3 c, float sn, float cs, Mat3 out) {
     for (int i = 0; i < 3; ++i) {

@@ -28,6 +28,7 @@ public:
         runs_[size_++] = run;
         std::push_heap(runs_.begin(), runs_.begin() + size_, later);
     }
+    void clear() { size_ = 0; }
     GridRun pop() {
         std::pop_heap(runs_.begin(), runs_.begin() + size_, later);
         return runs_[--size_];

@@ -14,6 +14,7 @@
 #include <optional>
 
 #include "inv_kinematics_arm_angle.h"
+#include "inv_kinematics_arm_angle_branches.h"
 #include "inv_kinematics_arm_angle_floor.h"
 #include "inv_kinematics_arm_angle_runs.h"
 #include "qman_inv_kinematics.h"
@@ -233,7 +234,6 @@ public:
         : in_(in),
           t_(t),
           out_(out),
-          middle_(in, t),
           theta_ref_(reference_of(in)),
           psi0_(reference_arm_angle(t, theta_ref_.data())) {}
 
@@ -275,7 +275,7 @@ private:
             for (int i = 0; i < 2 && g.step[i] <= steps; ++i) {
                 for (int side = 0; side < 2; ++side) {
                     const int lane = 2 * i + side;
-                    const int possible = middle_.possible(kBothElbows, g.sn[lane], g.cs[lane]);
+                    const int possible = middle().possible(kBothElbows, g.sn[lane], g.cs[lane]);
                     evaluate_among(g.psi[lane], g.floors.could_beat(possible, lane, best_, ceiling_),
                                    walk_order(g.step[i], side == 0 ? 1 : -1));
                 }
@@ -293,11 +293,11 @@ private:
     // reaches the target, most are never looked at.
     void search_runs(int steps) {
         const SearchBound turning = search_bound(in_, t_, theta_ref_.data(), psi0_);
-        std::array<GridRun, kMaxRoots> roots;
-        int count = 0;
+        // Waiting in a heap rather than sorted: most calls look at a few roots only.
+        RunQueue<kMaxRoots> roots;
         for (const int side : {1, -1}) {
             for (int first = 1; first <= steps; first += kRootRun) {
-                GridRun& run = roots[count++];
+                GridRun run;
                 run.first = static_cast<int16_t>(first);
                 run.count = static_cast<int16_t>(std::min(kRootRun, steps - first + 1));
                 run.side = static_cast<int8_t>(side);
@@ -305,22 +305,20 @@ private:
                 const double far = static_cast<double>(first + run.count - 1) * Q_STEP_MIN;
                 run.key = static_cast<float>(side > 0 ? lowest_cost_between(turning, near, far)
                                                       : lowest_cost_between(turning, -far, -near));
+                if (CostFloor::may_beat(run.key, best_)) roots.push(run);
             }
         }
-        std::sort(roots.begin(), roots.begin() + count,
-                  [](const GridRun& a, const GridRun& b) { return a.key < b.key; });
         Queue queue;
         RunBatch batch;
-        int next = 0;
-        while (next < count || !queue.empty()) {
-            if (next < count && (queue.empty() || roots[next].key < queue.top().key)) {
-                if (!CostFloor::may_beat(roots[next].key, best_)) {
-                    next = count;  // nor can any root after it
+        while (!roots.empty() || !queue.empty()) {
+            if (!roots.empty() && (queue.empty() || roots.top().key < queue.top().key)) {
+                if (!CostFloor::may_beat(roots.top().key, best_)) {
+                    roots.clear();  // nor can any root after it
                     continue;
                 }
                 // With the three next cheapest that could beat it too, in one pass.
-                for (int n = 0; n < 4 && next < count && CostFloor::may_beat(roots[next].key, best_); ++n) {
-                    const GridRun& run = roots[next++];
+                for (int n = 0; n < 4 && !roots.empty() && CostFloor::may_beat(roots.top().key, best_); ++n) {
+                    const GridRun run = roots.pop();
                     add_run(batch, queue, run.first, run.count, run.side);
                 }
                 bound_runs(batch, queue);
@@ -400,9 +398,15 @@ private:
         batch.size = 0;
     }
 
+    // The filters are made on first use: a call that settles at the reference's arm angle pays
+    // for neither.
     const CostFloor& floor() {
         if (!floor_) floor_.emplace(in_, t_, theta_ref_.data());
         return *floor_;
+    }
+    const MiddleJointFilter& middle() {
+        if (!middle_) middle_.emplace(in_, t_);
+        return *middle_;
     }
 
     // From a table, so that no build fuses the product into the sum: every build and both
@@ -468,7 +472,7 @@ private:
     // earlier by the walk (order, see walk_order). A set looked at for one elbow sign only is
     // completed first: the answer lists every branch of its arm angle.
     void evaluate(float psi, int elbows = kBothElbows, int order = 0) {
-        evaluate_among(psi, middle_.possible(elbows, std::sin(psi), std::cos(psi)), order);
+        evaluate_among(psi, middle().possible(elbows, std::sin(psi), std::cos(psi)), order);
     }
 
     void evaluate_among(float psi, int elbows, int order) {
@@ -553,9 +557,9 @@ private:
     const SolveInput& in_;
     const ArmAngleTarget& t_;
     IkSolve& out_;
-    MiddleJointFilter middle_;
     std::array<float, ROBOT_DOF> theta_ref_;
-    std::optional<CostFloor> floor_;  // made on first use: most calls settle before
+    std::optional<CostFloor> floor_;
+    std::optional<MiddleJointFilter> middle_;
     float psi0_;
     AxisBlend axes_[2];  // of the reference's elbow sign, made on first use
     bool axes_ready_ = false;
@@ -569,18 +573,21 @@ private:
 
 // The search in one piece, built twice as the forward kinematics' pose calls are: for the
 // baseline instruction set and, for processors that have them, with AVX2 and fused multiply-adds,
-// which the four-lane floors gain most from. The first call chooses.
-using Search = int (*)(const SolveInput&, const ArmAngleTarget&, IkSolve&, int, float);
+// which the four-lane floors gain most from; the target and its branches come inline with it. The
+// first call chooses.
+using Search = int (*)(const SolveInput&, const Matrix&, IkSolve&, int, float);
 
-[[gnu::flatten]] int search_baseline(const SolveInput& in, const ArmAngleTarget& t, IkSolve& out,
-                                     int strategy, float range) {
-    return ArmAngleSearch(in, t, out).run(strategy, range);
+[[gnu::flatten]] int search_baseline(const SolveInput& in, const Matrix& flange, IkSolve& out, int strategy,
+                                     float range) {
+    const ArmAngleTarget t = arm_angle_target(in.dh, flange, in.reach_tol);
+    return t.reachable ? ArmAngleSearch(in, t, out).run(strategy, range) : 0;
 }
 
 #if defined(__x86_64__)
-__attribute__((target("avx2,fma"), flatten)) int search_fma(const SolveInput& in, const ArmAngleTarget& t,
+__attribute__((target("avx2,fma"), flatten)) int search_fma(const SolveInput& in, const Matrix& flange,
                                                             IkSolve& out, int strategy, float range) {
-    return ArmAngleSearch(in, t, out).run(strategy, range);
+    const ArmAngleTarget t = arm_angle_target(in.dh, flange, in.reach_tol);
+    return t.reachable ? ArmAngleSearch(in, t, out).run(strategy, range) : 0;
 }
 #endif
 
@@ -599,9 +606,7 @@ Search chosen_search() {
 
 int solve_arm_angle_search(const SolveInput& in, const Matrix& flange, IkSolve& out) {
     begin_solutions(in, out);
-    const ArmAngleTarget t = arm_angle_target(in.dh, flange, in.reach_tol);
-    if (!t.reachable) return 0;
-    return chosen_search()(in, t, out, ikine_get_7dof_solver_search_strategy(),
+    return chosen_search()(in, flange, out, ikine_get_7dof_solver_search_strategy(),
                            ikine_get_solution_range_qm75());
 }
 

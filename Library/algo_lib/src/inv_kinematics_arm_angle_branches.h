@@ -1,0 +1,176 @@
+#ifndef INV_KINEMATICS_ARM_ANGLE_BRANCHES_H
+#define INV_KINEMATICS_ARM_ANGLE_BRANCHES_H
+
+// The arm-angle geometry every seven-joint solve runs: the target's shoulder-wrist line and elbow
+// signs, the reference's arm angle and the branches at one arm angle. Inline, so that the search's
+// build for processors with AVX2 and fused multiply-adds compiles them with it too. Not part of
+// the library's interface.
+
+#include <cmath>
+#include <cstring>
+
+#include "inv_kinematics_arm_angle.h"
+#include "inv_kinematics_lanes.h"
+#include "lane_trig.h"
+
+namespace algo::ik {
+
+// Shoulder Rz(t1)*Ry(t2) with joint 3 at zero that turns the upper-arm-to-wrist vector
+// (vx, 0, vz) onto sw: t1 is the azimuth of sw, t2 the difference of the two elevations. Inline,
+// so that a caller reads the matrix from registers rather than back from the stores.
+[[gnu::always_inline]] inline void shoulder_zero(const Vec3& sw, float vx, float vz, Mat3 out) {
+    const float horizontal = std::sqrt(sw.x * sw.x + sw.y * sw.y);
+    const float len = std::sqrt(horizontal * horizontal + sw.z * sw.z);
+    const float v = std::sqrt(vx * vx + vz * vz);
+    // Intended: any t1 fits a vertical sw; 0 keeps it continuous with the arm angle's reference.
+    const float c1 = horizontal < kAxisEps ? 1.0f : sw.x / horizontal;
+    const float s1 = horizontal < kAxisEps ? 0.0f : sw.y / horizontal;
+    const float c2 = (sw.z * vz + horizontal * vx) / (len * v);
+    const float s2 = (horizontal * vz - sw.z * vx) / (len * v);
+    const Mat3 r = {{c1 * c2, -s1, c1 * s2}, {s1 * c2, c1, s1 * s2}, {-s2, 0.0f, c2}};
+    for (int i = 0; i < 3; ++i) {
+        for (int j = 0; j < 3; ++j) out[i][j] = r[i][j];
+    }
+}
+
+
+// Rz(a)*Ry(b)*Rz(c).
+inline void zyz_matrix(float a, float b, float c, Mat3 out) {
+    // The three sine-cosine pairs in one lane pass rather than three library calls.
+    lanes::F4 sn, cs;
+    lanes::sincos(lanes::F4{a, b, c, 0.0f}, sn, cs);
+    const float ca = cs[0], sa = sn[0], cb = cs[1], sb = sn[1], cc = cs[2], sc = sn[2];
+    const Mat3 r = {{ca * cb * cc - sa * sc, -ca * cb * sc - sa * cc, ca * sb},
+                    {sa * cb * cc + ca * sc, -sa * cb * sc + ca * cc, sa * sb},
+                    {-sb * cc, sb * sc, cb}};
+    for (int i = 0; i < 3; ++i) {
+        for (int j = 0; j < 3; ++j) out[i][j] = r[i][j];
+    }
+}
+
+// Angle of the rotation shoulder * shoulder0^T about axis (exact when it fixes the axis).
+inline float arm_angle_between(const Mat3 shoulder, const Mat3 shoulder0, const Vec3& axis) {
+    Mat3 rot;
+    for (int i = 0; i < 3; ++i) {
+        for (int j = 0; j < 3; ++j) {
+            rot[i][j] = shoulder[i][0] * shoulder0[j][0] + shoulder[i][1] * shoulder0[j][1] + shoulder[i][2] * shoulder0[j][2];
+        }
+    }
+    const float sin2 = axis.x * (rot[2][1] - rot[1][2]) + axis.y * (rot[0][2] - rot[2][0]) + axis.z * (rot[1][0] - rot[0][1]);
+    const float cos2 = rot[0][0] + rot[1][1] + rot[2][2] - 1.0f;
+    return fast_atan2(sin2, cos2);
+}
+
+// Shoulder-wrist line and both elbow signs of a flange target; reachable is false when the
+// wrist lies more than reach_tol (m) out of the upper arm and forearm's reach.
+inline ArmAngleTarget arm_angle_target(const DH& dh, const Matrix& flange, float reach_tol) {
+    // Not value-initialised: every member is written below, the elbows cleared only when unreachable.
+    ArmAngleTarget t;
+    t.reachable = false;
+    const float d3 = dh.d[2], d5 = dh.d[4], d7 = dh.d[6];
+    Mat3& r = t.rotation;
+    for (int i = 0; i < 3; ++i) {
+        for (int k = 0; k < 3; ++k) r[i][k] = flange.data[i][k];
+    }
+    const Vec3 sw = {flange.data[0][3] - d7 * r[0][2], flange.data[1][3] - d7 * r[1][2],
+                     flange.data[2][3] - d7 * r[2][2] - dh.d[0]};
+    const float len = std::sqrt(sw.x * sw.x + sw.y * sw.y + sw.z * sw.z);
+    float c4;
+    if (len < kAxisEps || !triangle_cosine(len, d3, d5, c4, reach_tol)) {
+        t.axis = Vec3{};
+        t.elbow[0] = t.elbow[1] = ElbowBranch{};
+        return t;
+    }
+    t.reachable = true;
+    // Worked in locals and stored once: read back from the record, the matrices would wait for
+    // their own stores.
+    const Vec3 s = {sw.x / len, sw.y / len, sw.z / len};
+    t.axis = s;
+    const float s4 = std::sqrt(1.0f - c4 * c4);
+    const float g4 = fast_atan2(s4, c4);
+    for (int e = 0; e < 2; ++e) {
+        ElbowBranch b;
+        b.t4 = e == 0 ? g4 : -g4;
+        b.c4 = c4;
+        b.s4 = e == 0 ? s4 : -s4;
+        shoulder_zero(sw, d5 * b.s4, d3 + d5 * c4, b.shoulder0);
+        // Rot(s, psi) = ss^T + sin(psi) [s]x + cos(psi) (I - ss^T)
+        for (int j = 0; j < 3; ++j) {
+            const Vec3 col = {b.shoulder0[0][j], b.shoulder0[1][j], b.shoulder0[2][j]};
+            const float along = s.x * col.x + s.y * col.y + s.z * col.z;
+            b.shoulder_sin[0][j] = s.y * col.z - s.z * col.y;
+            b.shoulder_sin[1][j] = s.z * col.x - s.x * col.z;
+            b.shoulder_sin[2][j] = s.x * col.y - s.y * col.x;
+            b.shoulder_const[0][j] = s.x * along;
+            b.shoulder_const[1][j] = s.y * along;
+            b.shoulder_const[2][j] = s.z * along;
+            for (int i = 0; i < 3; ++i) b.shoulder_cos[i][j] = b.shoulder0[i][j] - b.shoulder_const[i][j];
+        }
+        t.elbow[e] = b;
+    }
+    return t;
+}
+
+// Every branch at arm angle psi, into out; elbows masks the elbow signs computed.
+inline MiddleSines branches_at(const SolveInput& in, const ArmAngleTarget& t, const float* theta_ref, float psi,
+                        IkSolve& out, int elbows = kBothElbows) {
+    MiddleSines sines{};
+    begin_solutions(in, out);
+    lanes::F4 sines_of, cosines_of;
+    lanes::sincos(lanes::splat(psi), sines_of, cosines_of);
+    const float sn = sines_of[0], cs = cosines_of[0];
+    // Four Z-Y-Z extractions in one pass, lanes: shoulder of elbow sign 0, of sign 1, wrist of
+    // sign 0, of sign 1.
+    Mat3 rot[2], wrist_rot[2];
+    for (int e = 0; e < 2; ++e) {
+        const ElbowBranch& b = t.elbow[e];
+        blend(b.shoulder_sin, b.shoulder_cos, b.shoulder_const, sn, cs, rot[e]);
+        wrist_rotation(b, rot[e], t.rotation, wrist_rot[e]);
+    }
+    lanes::Mat3x4 r;
+    for (int i = 0; i < 3; ++i) {
+        for (int j = 0; j < 3; ++j) r[i][j] = lanes::F4{rot[0][i][j], rot[1][i][j], wrist_rot[0][i][j], wrist_rot[1][i][j]};
+    }
+    const lanes::Zyz z = lanes::zyz_angles(r, lanes::F4{theta_ref[0], theta_ref[0], theta_ref[4], theta_ref[4]});
+    // Joints per angle of the extraction, in the lanes' order.
+    static constexpr int kJoints[3][4] = {{0, 0, 4, 4}, {1, 1, 5, 5}, {2, 2, 6, 6}};
+    const lanes::F4 first[3] = {z.a, z.b, z.c};
+    const lanes::F4 twin[3] = {z.a + lanes::splat(kPi), -z.b, z.c + lanes::splat(kPi)};
+    lanes::F4 q_of[2][3];  // [branch of the extraction][angle]
+    for (int k = 0; k < 3; ++k) {
+        const lanes::JointLanes joints = lanes::joint_lanes(in, kJoints[k]);
+        q_of[0][k] = lanes::joint_values(joints, first[k]);
+        q_of[1][k] = lanes::joint_values(joints, twin[k]);
+    }
+    // Rows written in place, in the order add_branch would append them, as two halves each:
+    // transposed, the extraction's lanes are (joints 1-3, joint 4) of each elbow sign's shoulder
+    // and (joints 5-7, 0) of its wrist.
+    lanes::F4 half[2][4];  // [branch of the extraction][lane]
+    for (int k = 0; k < 2; ++k) {
+        half[k][0] = q_of[k][0];
+        half[k][1] = q_of[k][1];
+        half[k][2] = q_of[k][2];
+        half[k][3] = lanes::F4{joint_value(in, 3, t.elbow[0].t4), joint_value(in, 3, t.elbow[1].t4), 0.0f, 0.0f};
+        lanes::transpose(half[k]);
+    }
+    int n = 0;
+    for (int e = 0; e < 2; ++e) {
+        if ((elbows & (1 << e)) == 0) continue;
+        sines.shoulder[e] = z.sin_b[e];
+        sines.wrist[e] = z.sin_b[2 + e];
+        for (const auto& sh : half) {
+            for (const auto& wr : half) {
+                float* row = out.q_solve[n++];
+                std::memcpy(row, &sh[e], sizeof sh[e]);
+                std::memcpy(row + 4, &wr[2 + e], sizeof wr[2 + e]);
+            }
+        }
+    }
+    out.num = n;
+    out.result = n > 0;
+    return sines;
+}
+
+}  // namespace algo::ik
+
+#endif
