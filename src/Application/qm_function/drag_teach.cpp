@@ -59,9 +59,10 @@ bool drag_teach_file_write(std::string_view line, std::string_view line_end) {
 
 void drag_teach_record_point(const cJSON* tree, std::string_view line) {
     if (!cJSON_IsArray(MIO_JSON_GetObjectItem(tree, "point"))) {
-        drag_teach_save_state = 1;
+        // Logged before the state is set: a save that sees the failure returns at once.
         const std::string text(line);
         qm_log_error("Error: 'point' is not an array. %s\n", text.c_str());
+        drag_teach_save_state = 1;
         signal_recorded();
         return;
     }
