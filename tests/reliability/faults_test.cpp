@@ -55,13 +55,22 @@ int joint_query(qm_robot_handle* arm) {
     return qm_get_joint_degree(arm, joints);
 }
 
-TEST(Faults, ControllerClosingMidWaitEndsTheWaitAndLaterCommandsFailAtOnce) {
-    sim::Options options = quiet_options();
-    options.faults.reply_delay = 150ms;
-    RestartableSim simulator(options);
-    Library library(QM_DUAL_MODE_E);
+// A controller that answers every request 150 ms late, with one arm connected to it.
+class SlowController : public ::testing::Test {
+protected:
+    static sim::Options delayed() {
+        sim::Options options = quiet_options();
+        options.faults.reply_delay = 150ms;
+        return options;
+    }
+    void SetUp() override { ASSERT_GT(arm->id, 0); }
+
+    RestartableSim simulator{delayed()};
+    Library library{QM_DUAL_MODE_E};
     qm_robot_handle* arm = qm_create_robot_arm("127.0.0.1", simulator.port());
-    ASSERT_GT(arm->id, 0);
+};
+
+TEST_F(SlowController, ClosingMidWaitEndsTheWaitAndLaterCommandsFailAtOnce) {
 
     auto in_flight = std::async(std::launch::async, [&] { return timed([&] { return joint_query(arm); }); });
     std::this_thread::sleep_for(50ms);
@@ -77,13 +86,7 @@ TEST(Faults, ControllerClosingMidWaitEndsTheWaitAndLaterCommandsFailAtOnce) {
     EXPECT_LT(timed([] { return qm_destory(); }).took, kSlack);
 }
 
-TEST(Faults, LateReplyIsTakenOnlyByACommandAwaitingItsKey) {
-    sim::Options options = quiet_options();
-    options.faults.reply_delay = 150ms;
-    RestartableSim simulator(options);
-    Library library(QM_DUAL_MODE_E);
-    qm_robot_handle* arm = qm_create_robot_arm("127.0.0.1", simulator.port());
-    ASSERT_GT(arm->id, 0);
+TEST_F(SlowController, LateReplyIsTakenOnlyByACommandAwaitingItsKey) {
 
     qm_set_timeout(60);
     EXPECT_EQ(joint_query(arm), -2);
