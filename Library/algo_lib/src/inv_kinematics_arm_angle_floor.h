@@ -6,7 +6,7 @@
 // the next one towards its limits: from the joint's signed angle to the reference that is its
 // distance, or no branch within the limits at all. The shoulder and wrist entries the angles come
 // from are sinusoids in the arm angle, so an arm angle costs a few multiply-adds and two
-// four-lane arc tangents per elbow sign, against the full set of branches. The search skips the
+// lane arc tangents per elbow sign, against the full set of branches. The search skips the
 // elbow signs whose floor cannot beat the best so far: only work that could not change the answer.
 // The same terms, with bounds on how fast each joint turns with the arm angle, give a floor over a
 // whole run of arm angles from the run's middle one. Not part of the library's interface.
@@ -66,8 +66,9 @@ public:
 
     // Floors of each elbow sign (infinite where none can be within the limits) at four arm
     // angles, or over four runs of them.
-    struct Floors {
-        lanes::F4 elbow[2];
+    template <class V>
+    struct FloorsOf {
+        V elbow[2];
 
         float least(int lane) const { return std::min(elbow[0][lane], elbow[1][lane]); }
 
@@ -81,56 +82,64 @@ public:
         }
     };
 
+    using Floors = FloorsOf<lanes::F4>;
+
+    // The elbow signs whose joint 4 alone leaves a branch that may cost less than best.
+    int elbows_below(double best) const {
+        int elbows = 0;
+        for (int e = 0; e < 2; ++e) elbows |= may_beat(joint4_[e], best) ? 1 << e : 0;
+        return elbows;
+    }
+
     // True when a branch whose floor is `floor` may cost less than best.
     static bool may_beat(float floor, double best) { return below(floor) < best; }
 
     // At the arm angles whose sines and cosines are sn and cs, for the elbow signs of `elbows`
     // (infinite for the others).
-    Floors at(lanes::F4 sn, lanes::F4 cs, int elbows = kBothElbows) const {
-        Floors f;
+    template <class V>
+    FloorsOf<V> at(V sn, V cs, int elbows = kBothElbows) const {
+        FloorsOf<V> f;
         for (int e = 0; e < 2; ++e) {
             if (joint4_[e] == INFINITY || (elbows & (1 << e)) == 0) {
-                f.elbow[e] = lanes::splat(INFINITY);
+                f.elbow[e] = lanes::splat<V>(INFINITY);
                 continue;
             }
-            const Triple shoulder = triple_angles(parts_[e][0], joints_[0], sn, cs);
-            const Triple wrist = triple_angles(parts_[e][1], joints_[1], sn, cs);
-            f.elbow[e] = lanes::splat(joint4_[e]) + triple_floor(shoulder, joints_[0]) +
+            const Triple<V> shoulder = triple_angles(parts_[e][0], joints_[0], sn, cs);
+            const Triple<V> wrist = triple_angles(parts_[e][1], joints_[1], sn, cs);
+            f.elbow[e] = lanes::splat<V>(joint4_[e]) + triple_floor(shoulder, joints_[0]) +
                          triple_floor(wrist, joints_[1]);
         }
         return f;
     }
 
     // Over every arm angle within reach (rad) of those whose sines and cosines are sn and cs.
-    Floors over(lanes::F4 sn, lanes::F4 cs, lanes::F4 reach, int elbows = kBothElbows) const {
-        Floors f;
+    template <class V>
+    FloorsOf<V> over(V sn, V cs, V reach, int elbows = kBothElbows) const {
+        FloorsOf<V> f;
         for (int e = 0; e < 2; ++e) {
             if (joint4_[e] == INFINITY || (elbows & (1 << e)) == 0) {
-                f.elbow[e] = lanes::splat(INFINITY);
+                f.elbow[e] = lanes::splat<V>(INFINITY);
                 continue;
             }
-            const Shares shoulder = triple_bound(parts_[e][0], axes_[e][0], joints_[0], sn, cs, reach);
-            const Shares wrist = triple_bound(parts_[e][1], axes_[e][1], joints_[1], sn, cs, reach);
+            const Shares<V> shoulder = triple_bound(parts_[e][0], axes_[e][0], joints_[0], sn, cs, reach);
+            const Shares<V> wrist = triple_bound(parts_[e][1], axes_[e][1], joints_[1], sn, cs, reach);
             // Per branch the better of the two bounds, then the least over the branches.
-            const F4 half_square = lanes::splat(0.5f) * reach * reach;
-            F4 lowest = lanes::splat(INFINITY);
-            for (const Share& sh : shoulder.twin) {
-                for (const Share& wr : wrist.twin) {
-                    const F4 taylor = sh.sum + wr.sum - lanes::abs(sh.rate + wr.rate) * reach -
-                                      (sh.curve + wr.curve) * half_square - lanes::splat(kTaylorSlack);
-                    const F4 floor = sh.floor + wr.floor;
+            const V half_square = lanes::splat<V>(0.5f) * reach * reach;
+            V lowest = lanes::splat<V>(INFINITY);
+            for (const Share<V>& sh : shoulder.twin) {
+                for (const Share<V>& wr : wrist.twin) {
+                    const V taylor = sh.sum + wr.sum - lanes::abs(sh.rate + wr.rate) * reach -
+                                     (sh.curve + wr.curve) * half_square - lanes::splat<V>(kTaylorSlack);
+                    const V floor = sh.floor + wr.floor;
                     lowest = lanes::min(lowest, lanes::max(taylor, floor));
                 }
             }
-            f.elbow[e] = lanes::splat(joint4_[e]) + lowest;
+            f.elbow[e] = lanes::splat<V>(joint4_[e]) + lowest;
         }
         return f;
     }
 
 private:
-    using F4 = lanes::F4;
-    using I4 = lanes::I4;
-
     // Slack for the single-precision rounding of the entries and angles, well above it. The
     // entries the solver and the floor read differ by about 5e-7, which moves the outer angles by
     // about that over |sin b|; the sum of the squares is rounded to about 3e-7 of itself.
@@ -174,34 +183,39 @@ private:
         float pair[2];                 // the reference's a + c and a - c, within half a turn
     };
 
-    static F4 within_half_turn(F4 a) {
-        a = lanes::select(a > lanes::splat(kPi), a - lanes::splat(kTwoPi), a);
-        return lanes::select(a < lanes::splat(-kPi), a + lanes::splat(kTwoPi), a);
+    template <class V>
+    static V within_half_turn(V a) {
+        a = lanes::select(a > lanes::splat<V>(kPi), a - lanes::splat<V>(kTwoPi), a);
+        return lanes::select(a < lanes::splat<V>(-kPi), a + lanes::splat<V>(kTwoPi), a);
     }
     static float wrapped(float a) { return a > kPi ? a - kTwoPi : a < -kPi ? a + kTwoPi : a; }
-    static F4 twin_of(F4 delta) {
-        const F4 half = lanes::splat(kPi);
-        return lanes::select(delta > lanes::splat(0.0f), delta - half, delta + half);
+    template <class V>
+    static V twin_of(V delta) {
+        const V half = lanes::splat<V>(kPi);
+        return lanes::select(delta > lanes::splat<V>(0.0f), delta - half, delta + half);
     }
 
     // Squared distance from the reference of the joint whose angle is `delta` (signed, within
     // half a turn) away from the reference's, as the solver turns it into the limits: the
     // nearest turn, or the next towards the limits, or infinite when it clearly has none there.
     // Rounding goes the floor's way.
-    static F4 joint_floor(F4 delta, F4 slack, const Joints& j, int i) {
-        const F4 turn = lanes::splat(kTwoPi), zero = lanes::splat(0.0f);
-        const F4 lo = lanes::splat(j.lo[i]) - slack, hi = lanes::splat(j.hi[i]) + slack;
-        const F4 ref = lanes::splat(j.ref[i]);
-        const F4 near = lanes::abs(delta) - slack;
-        const F4 d = lanes::max(near, zero);
-        const F4 q = ref + delta;
-        const I4 below = q < lo, above = q > hi;
-        const F4 moved = q + lanes::select(below, turn, zero) - lanes::select(above, turn, zero);
-        const F4 far_raw = lanes::abs(moved - ref) - slack;
-        const F4 far = lanes::max(far_raw, zero);
-        const F4 moved_floor = lanes::select((moved < lo) | (moved > hi), lanes::splat(INFINITY), far * far);
+    template <class V>
+    static V joint_floor(V delta, V slack, const Joints& j, int i) {
+        using I = lanes::MaskOf<V>;
+        const V turn = lanes::splat<V>(kTwoPi), zero = lanes::splat<V>(0.0f);
+        const V lo = lanes::splat<V>(j.lo[i]) - slack, hi = lanes::splat<V>(j.hi[i]) + slack;
+        const V ref = lanes::splat<V>(j.ref[i]);
+        const V near = lanes::abs(delta) - slack;
+        const V d = lanes::max(near, zero);
+        const V q = ref + delta;
+        const I below = q < lo, above = q > hi;
+        const V moved = q + lanes::select(below, turn, zero) - lanes::select(above, turn, zero);
+        const V far_raw = lanes::abs(moved - ref) - slack;
+        const V far = lanes::max(far_raw, zero);
+        const V moved_floor =
+            lanes::select((moved < lo) | (moved > hi), lanes::splat<V>(INFINITY), far * far);
         // At half a turn either way round may be the solver's.
-        const I4 decided = (below | above) & (lanes::abs(delta) <= lanes::splat(kPi) - slack);
+        const I decided = (below | above) & (lanes::abs(delta) <= lanes::splat<V>(kPi) - slack);
         return lanes::select(decided, moved_floor, d * d);
     }
 
@@ -210,44 +224,49 @@ private:
     // within the limits. Seen from the in-limit value nearest the reference, the values are an
     // arc around a centre within half a turn, on every turn; the nearest in-limit one lies on the
     // arc itself or on its turn across half a turn (any other turn is farther than the arc).
-    static F4 joint_bound(F4 delta, F4 move, const Joints& j, int i) {
-        const F4 zero = lanes::splat(0.0f);
-        const F4 lo = lanes::splat(j.lo_seen[i] - kBoundSlack), hi = lanes::splat(j.hi_seen[i] + kBoundSlack);
-        const F4 centre = within_half_turn(delta + lanes::splat(j.shift[i]));
-        const F4 across = centre + lanes::select(centre > zero, lanes::splat(-kTwoPi), lanes::splat(kTwoPi));
-        F4 gap = lanes::splat(INFINITY);
-        for (const F4 c : {centre, across}) {
-            const F4 from = c - move, to = c + move;
-            const F4 in_lo = lanes::max(from, lo), in_hi = lanes::min(to, hi);
+    template <class V>
+    static V joint_bound(V delta, V move, const Joints& j, int i) {
+        const V zero = lanes::splat<V>(0.0f);
+        const V lo = lanes::splat<V>(j.lo_seen[i] - kBoundSlack),
+                hi = lanes::splat<V>(j.hi_seen[i] + kBoundSlack);
+        const V centre = within_half_turn(delta + lanes::splat<V>(j.shift[i]));
+        const V across =
+            centre + lanes::select(centre > zero, lanes::splat<V>(-kTwoPi), lanes::splat<V>(kTwoPi));
+        V gap = lanes::splat<V>(INFINITY);
+        for (const V c : {centre, across}) {
+            const V from = c - move, to = c + move;
+            const V in_lo = lanes::max(from, lo), in_hi = lanes::min(to, hi);
             // lo <= 0 <= hi: the larger of in_lo and -in_hi is the in-limit part's distance from 0.
-            const F4 apart = lanes::max(in_lo, -in_hi);
+            const V apart = lanes::max(in_lo, -in_hi);
             gap = lanes::select(in_lo <= in_hi, lanes::min(gap, lanes::max(apart, zero)), gap);
         }
-        const F4 raw = gap + lanes::splat(j.outside[i] - kBoundSlack);
-        const F4 d = lanes::max(raw, zero);
+        const V raw = gap + lanes::splat<V>(j.outside[i] - kBoundSlack);
+        const V d = lanes::max(raw, zero);
         return d * d;
     }
 
     // One Z-Y-Z triple at four arm angles: |sin b| and each angle's difference from the
     // reference's, within half a turn; the middle one's for both twins b and -b.
+    template <class V>
     struct Triple {
-        F4 sb, a, b, twin_b, c;
-        F4 x, y, z;  // column 2
+        V sb, a, b, twin_b, c;
+        V x, y, z;  // column 2
     };
-    static Triple triple_angles(const Entries& m, const Joints& j, F4 sn, F4 cs) {
-        F4 r[kAngleEntries];
-        for (int i = 0; i < kAngleEntries; ++i) r[i] = m[0][i] * sn + m[1][i] * cs + lanes::splat(m[2][i]);
-        Triple t;
+    template <class V>
+    static Triple<V> triple_angles(const Entries& m, const Joints& j, V sn, V cs) {
+        V r[kAngleEntries];
+        for (int i = 0; i < kAngleEntries; ++i) r[i] = m[0][i] * sn + m[1][i] * cs + lanes::splat<V>(m[2][i]);
+        Triple<V> t;
         t.sb = lanes::sqrt(r[k02] * r[k02] + r[k12] * r[k12]);
         // a, b and c as the solver forms them (c's direction times sin b).
-        const F4 a = lanes::atan2(r[k12], r[k02]);
-        const F4 b = lanes::atan2(t.sb, r[k22]);
-        const F4 c = lanes::atan2(r[k02] * r[k10] - r[k12] * r[k00],
-                                  r[k22] * (r[k02] * r[k00] + r[k12] * r[k10]) - t.sb * t.sb * r[k20]);
-        t.a = within_half_turn(a - lanes::splat(j.angle[0]));
-        t.b = within_half_turn(b - lanes::splat(j.angle[1]));
-        t.twin_b = within_half_turn(-b - lanes::splat(j.angle[1]));
-        t.c = within_half_turn(c - lanes::splat(j.angle[2]));
+        const V a = lanes::atan2(r[k12], r[k02]);
+        const V b = lanes::atan2(t.sb, r[k22]);
+        const V c = lanes::atan2(r[k02] * r[k10] - r[k12] * r[k00],
+                                 r[k22] * (r[k02] * r[k00] + r[k12] * r[k10]) - t.sb * t.sb * r[k20]);
+        t.a = within_half_turn(a - lanes::splat<V>(j.angle[0]));
+        t.b = within_half_turn(b - lanes::splat<V>(j.angle[1]));
+        t.twin_b = within_half_turn(-b - lanes::splat<V>(j.angle[1]));
+        t.c = within_half_turn(c - lanes::splat<V>(j.angle[2]));
         t.x = r[k02];
         t.y = r[k12];
         t.z = r[k22];
@@ -255,15 +274,16 @@ private:
     }
 
     // Least floor of the three joints over both Z-Y-Z twins (a, b, c) and (a + pi, -b, c + pi).
-    static F4 triple_floor(const Triple& t, const Joints& j) {
-        const F4 slack = lanes::splat(kAngleSlack);
-        const F4 outer = slack + lanes::splat(kOuterSlack) / t.sb;
-        const F4 middle = joint_floor(t.b, slack, j, 1);
-        const F4 twin_middle = joint_floor(t.twin_b, slack, j, 1);
-        const F4 own = joint_floor(t.a, outer, j, 0) + middle + joint_floor(t.c, outer, j, 2);
-        const F4 twin =
+    template <class V>
+    static V triple_floor(const Triple<V>& t, const Joints& j) {
+        const V slack = lanes::splat<V>(kAngleSlack);
+        const V outer = slack + lanes::splat<V>(kOuterSlack) / t.sb;
+        const V middle = joint_floor(t.b, slack, j, 1);
+        const V twin_middle = joint_floor(t.twin_b, slack, j, 1);
+        const V own = joint_floor(t.a, outer, j, 0) + middle + joint_floor(t.c, outer, j, 2);
+        const V twin =
             joint_floor(twin_of(t.a), outer, j, 0) + twin_middle + joint_floor(twin_of(t.c), outer, j, 2);
-        return lanes::select(t.sb < lanes::splat(kIllConditioned), lanes::min(middle, twin_middle),
+        return lanes::select(t.sb < lanes::splat<V>(kIllConditioned), lanes::min(middle, twin_middle),
                              lanes::min(own, twin));
     }
 
@@ -273,31 +293,32 @@ private:
     // give it (a + c's while b is at most a right angle); the other comes from a and c. As
     // a' + c' = w_z + w.u tan(b/2) and a' - c' = w_z - w.u cot(b/2), a + c turns at most
     // 1 / cos(b/2) and a - c at most 1 / sin(b/2) as fast.
-    static F4 pair_floor(const Entries& m, const Triple& t, const Joints& j, F4 sn, F4 cs, F4 reach) {
-        const auto entry = [&](int i) { return m[0][i] * sn + m[1][i] * cs + lanes::splat(m[2][i]); };
-        const F4 r00 = entry(k00), r10 = entry(k10), r01 = entry(k01), r11 = entry(k11);
-        const F4 zero = lanes::splat(0.0f), half = lanes::splat(0.5f);
-        const I4 upper = t.z >= zero;
-        const F4 angle = lanes::atan2(lanes::select(upper, r10 - r01, -(r10 + r01)),
-                                      lanes::select(upper, r00 + r11, r11 - r00));
-        const F4 well =
-            within_half_turn(angle - lanes::select(upper, lanes::splat(j.pair[0]), lanes::splat(j.pair[1])));
-        const F4 other = within_half_turn(lanes::select(upper, t.a - t.c, t.a + t.c));
-        const F4 cos_half = lanes::sqrt(lanes::max(half + half * t.z, zero));
-        const F4 sin_half = lanes::sqrt(lanes::max(half - half * t.z, zero));
+    template <class V>
+    static V pair_floor(const Entries& m, const Triple<V>& t, const Joints& j, V sn, V cs, V reach) {
+        using I = lanes::MaskOf<V>;
+        const auto entry = [&](int i) { return m[0][i] * sn + m[1][i] * cs + lanes::splat<V>(m[2][i]); };
+        const V r00 = entry(k00), r10 = entry(k10), r01 = entry(k01), r11 = entry(k11);
+        const V zero = lanes::splat<V>(0.0f), half = lanes::splat<V>(0.5f);
+        const I upper = t.z >= zero;
+        const V angle = lanes::atan2(lanes::select(upper, r10 - r01, -(r10 + r01)),
+                                     lanes::select(upper, r00 + r11, r11 - r00));
+        const V well = within_half_turn(
+            angle - lanes::select(upper, lanes::splat<V>(j.pair[0]), lanes::splat<V>(j.pair[1])));
+        const V other = within_half_turn(lanes::select(upper, t.a - t.c, t.a + t.c));
+        const V cos_half = lanes::sqrt(lanes::max(half + half * t.z, zero));
+        const V sin_half = lanes::sqrt(lanes::max(half - half * t.z, zero));
         // cos of (b + reach) / 2 and sin of (b - reach) / 2, from below.
-        const F4 shrink = lanes::splat(1.0f) - lanes::splat(0.125f) * reach * reach, turn = half * reach;
-        const F4 cos_far = cos_half * shrink - sin_half * turn,
-                 sin_near = sin_half * shrink - cos_half * turn;
-        const auto moved = [&](F4 rate) {
-            return lanes::select(rate > lanes::splat(1e-3f), reach / rate, lanes::splat(INFINITY));
+        const V shrink = lanes::splat<V>(1.0f) - lanes::splat<V>(0.125f) * reach * reach, turn = half * reach;
+        const V cos_far = cos_half * shrink - sin_half * turn, sin_near = sin_half * shrink - cos_half * turn;
+        const auto moved = [&](V rate) {
+            return lanes::select(rate > lanes::splat<V>(1e-3f), reach / rate, lanes::splat<V>(INFINITY));
         };
-        const F4 well_move = moved(lanes::select(upper, cos_far, sin_near));
-        const F4 other_move = moved(lanes::select(upper, sin_near, cos_far));
+        const V well_move = moved(lanes::select(upper, cos_far, sin_near));
+        const V other_move = moved(lanes::select(upper, sin_near, cos_far));
         // a and c each carry the outer joints' rounding.
-        const F4 other_slack = lanes::splat(kBoundSlack) + lanes::splat(2.0f * kOuterSlack) / t.sb;
-        const F4 d = lanes::max(lanes::abs(well) - well_move - lanes::splat(kBoundSlack), zero);
-        const F4 e = lanes::max(lanes::abs(other) - other_move - other_slack, zero);
+        const V other_slack = lanes::splat<V>(kBoundSlack) + lanes::splat<V>(2.0f * kOuterSlack) / t.sb;
+        const V d = lanes::max(lanes::abs(well) - well_move - lanes::splat<V>(kBoundSlack), zero);
+        const V e = lanes::max(lanes::abs(other) - other_move - other_slack, zero);
         return half * (d * d + e * e);
     }
 
@@ -305,11 +326,13 @@ private:
     // twin: the joints' floors (infinite where one cannot be within its limits) and, for a second
     // bound, the sum of their squared distances at the four with its rate and a bound on how fast
     // that rate falls within reach.
+    template <class V>
     struct Share {
-        F4 floor, sum, rate, curve;
+        V floor, sum, rate, curve;
     };
+    template <class V>
     struct Shares {
-        Share twin[2];
+        Share<V> twin[2];
     };
 
     // The shoulder and the wrist turn at unit rate about `axis` with the arm angle, so b moves by
@@ -318,45 +341,47 @@ private:
     // b's at most 1 / |sin b|. Near the singularity a and c may be anywhere, and near half a turn
     // from the reference a joint's distance has a kink: such joints add nothing to the second
     // bound.
-    static Shares triple_bound(const Entries& m, const Vec3& axis, const Joints& j, F4 sn, F4 cs, F4 reach) {
-        const Triple t = triple_angles(m, j, sn, cs);
-        const F4 zero = lanes::splat(0.0f), one = lanes::splat(1.0f);
-        const F4 low = t.sb - reach;  // |sin b| within reach
-        const I4 regular = low > lanes::splat(kNearSingular);
-        const F4 pair = pair_floor(m, t, j, sn, cs, reach);
-        const F4 inv = one / t.sb, inv_low = one / lanes::select(regular, low, one);
-        const F4 outer_move = lanes::select(regular, reach * inv_low, lanes::splat(INFINITY));
+    template <class V>
+    static Shares<V> triple_bound(const Entries& m, const Vec3& axis, const Joints& j, V sn, V cs, V reach) {
+        using I = lanes::MaskOf<V>;
+        const Triple<V> t = triple_angles(m, j, sn, cs);
+        const V zero = lanes::splat<V>(0.0f), one = lanes::splat<V>(1.0f);
+        const V low = t.sb - reach;  // |sin b| within reach
+        const I regular = low > lanes::splat<V>(kNearSingular);
+        const V pair = pair_floor(m, t, j, sn, cs, reach);
+        const V inv = one / t.sb, inv_low = one / lanes::select(regular, low, one);
+        const V outer_move = lanes::select(regular, reach * inv_low, lanes::splat<V>(INFINITY));
         // a', b', c' at the four from the spatial angular velocity: c' = w.u / sin b,
         // b' = w.u_perp, a' = w_z - cot b * w.u / sin b, with u the unit (cos a, sin a, 0).
-        const F4 along = lanes::splat(axis.x) * t.x + lanes::splat(axis.y) * t.y;   // sin b * w.u
-        const F4 across = lanes::splat(axis.y) * t.x - lanes::splat(axis.x) * t.y;  // sin b * w.u_perp
-        const F4 rate_c = along * inv * inv;
-        const F4 rate_b = across * inv;
-        const F4 rate_a = lanes::splat(axis.z) - t.z * rate_c;
-        const F4 outer_curve = lanes::splat(2.0f) * inv_low * inv_low;
-        const F4 middle_curve = inv_low;
+        const V along = lanes::splat<V>(axis.x) * t.x + lanes::splat<V>(axis.y) * t.y;   // sin b * w.u
+        const V across = lanes::splat<V>(axis.y) * t.x - lanes::splat<V>(axis.x) * t.y;  // sin b * w.u_perp
+        const V rate_c = along * inv * inv;
+        const V rate_b = across * inv;
+        const V rate_a = lanes::splat<V>(axis.z) - t.z * rate_c;
+        const V outer_curve = lanes::splat<V>(2.0f) * inv_low * inv_low;
+        const V middle_curve = inv_low;
         // Or, where the rates' bounds hold, from the rates here and how fast they can change: less
         // where they are slow.
-        const F4 half_square = lanes::splat(0.5f) * reach * reach;
-        const auto within = [&](F4 move, F4 rate, F4 curve) {
+        const V half_square = lanes::splat<V>(0.5f) * reach * reach;
+        const auto within = [&](V move, V rate, V curve) {
             return lanes::select(regular, lanes::min(move, lanes::abs(rate) * reach + curve * half_square),
                                  move);
         };
-        const F4 move_a = within(outer_move, rate_a, outer_curve);
-        const F4 move_b = within(reach, rate_b, middle_curve);
-        const F4 move_c = within(outer_move, rate_c, outer_curve);
-        const auto add = [&](Share& s, F4 delta, F4 rate, F4 move, F4 curve, int i) {
+        const V move_a = within(outer_move, rate_a, outer_curve);
+        const V move_b = within(reach, rate_b, middle_curve);
+        const V move_c = within(outer_move, rate_c, outer_curve);
+        const auto add = [&](Share<V>& s, V delta, V rate, V move, V curve, int i) {
             if (i != 1) s.floor += joint_bound(delta, move, j, i);
-            const F4 far = lanes::abs(delta) + move;
-            const I4 smooth = regular & (far < lanes::splat(kPi - kBoundSlack));
+            const V far = lanes::abs(delta) + move;
+            const I smooth = regular & (far < lanes::splat<V>(kPi - kBoundSlack));
             s.sum += lanes::select(smooth, delta * delta, zero);
-            s.rate += lanes::select(smooth, lanes::splat(2.0f) * delta * rate, zero);
-            s.curve +=
-                lanes::select(smooth, lanes::splat(2.0f) * (far + lanes::splat(kBoundSlack)) * curve, zero);
+            s.rate += lanes::select(smooth, lanes::splat<V>(2.0f) * delta * rate, zero);
+            s.curve += lanes::select(
+                smooth, lanes::splat<V>(2.0f) * (far + lanes::splat<V>(kBoundSlack)) * curve, zero);
         };
-        Shares out;
+        Shares<V> out;
         for (int k = 0; k < 2; ++k) {
-            Share& s = out.twin[k];
+            Share<V>& s = out.twin[k];
             s = {zero, zero, zero, zero};
             add(s, k == 0 ? t.a : twin_of(t.a), rate_a, move_a, outer_curve, 0);
             add(s, k == 0 ? t.b : t.twin_b, k == 0 ? rate_b : -rate_b, move_b, middle_curve, 1);

@@ -228,6 +228,7 @@ std::array<float, ROBOT_DOF> reference_of(const SolveInput& in) {
     return theta;
 }
 
+template <class Wide>
 class ArmAngleSearch {
 public:
     ArmAngleSearch(const SolveInput& in, const ArmAngleTarget& t, IkSolve& out)
@@ -316,10 +317,11 @@ private:
                     roots.clear();  // nor can any root after it
                     continue;
                 }
-                // With the three next cheapest that could beat it too, in one pass.
-                for (int n = 0; n < 4 && !roots.empty() && CostFloor::may_beat(roots.top().key, best_); ++n) {
-                    const GridRun run = roots.pop();
-                    add_run(batch, queue, run.first, run.count, run.side);
+                // With the next cheapest that could beat it too, a pass's worth.
+                for (int n = 0; n < kLanes && !roots.empty() && CostFloor::may_beat(roots.top().key, best_);
+                     ++n) {
+                    const GridRun root = roots.pop();
+                    batch.add(root, root.count, nullptr);
                 }
                 bound_runs(batch, queue);
                 continue;
@@ -332,14 +334,15 @@ private:
                 evaluate(grid_angle(run.first, run.side), elbows, walk_order(run.first, run.side));
                 continue;
             }
-            const int span = (run.count + 3) / 4;
-            const int end = run.first + run.count;
-            for (int first = run.first; first < end; first += span)
-                add_run(batch, queue, first, std::min(span, end - first), run.side, &run);
-            bound_runs(batch, queue, &run);
+            // Split, with the next waiting runs whose parts fill the pass's lanes.
+            batch.split(run);
+            while (!queue.empty() && batch.fits(queue.top()) && CostFloor::may_beat(queue.top().key, best_))
+                batch.split(queue.pop());
+            bound_runs(batch, queue);
         }
     }
 
+    static constexpr int kLanes = lanes::kLanesOf<Wide>;
     static constexpr int kMaxSteps = static_cast<int>(Q_STEP_MAX / Q_STEP_MIN) + 1;
     static constexpr int kRootRun = 16;  // steps
     static constexpr int kMaxRoots = 2 * ((kMaxSteps + kRootRun - 1) / kRootRun);
@@ -348,51 +351,68 @@ private:
     // the steps ever wait.
     using Queue = RunQueue<4 * kMaxSteps>;
 
-    // Up to four runs whose floors come in one pass.
+    // Runs whose floors come in one pass, a lane each, with the floors of the runs they were split
+    // from: those hold for them too.
     struct RunBatch {
-        GridRun run[4];
+        GridRun run[kLanes];
+        float inherited[kLanes][2];
         int size = 0;
-    };
-    void add_run(RunBatch& batch, Queue& queue, int first, int count, int side,
-                 const GridRun* parent = nullptr) {
-        GridRun& run = batch.run[batch.size++];
-        run.first = static_cast<int16_t>(first);
-        run.count = static_cast<int16_t>(count);
-        run.side = static_cast<int8_t>(side);
-        if (batch.size == 4) bound_runs(batch, queue, parent);
-    }
+        bool singles = false;  // every run one step: their floors at single arm angles
 
-    // The floors of the runs in batch, which then wait in queue if they could beat the best. The
-    // floors of the run they were split from hold for them too: an elbow sign whose floor there
-    // cannot beat the best is not looked at again.
-    void bound_runs(RunBatch& batch, Queue& queue, const GridRun* parent = nullptr) {
-        if (batch.size == 0) return;
-        int elbows = kBothElbows;
-        if (parent) {
-            for (int e = 0; e < 2; ++e)
-                elbows &= CostFloor::may_beat(parent->floor[e], best_) ? ~0 : ~(1 << e);
+        // A run's parts: as many as the lanes, of equal steps but the last.
+        static int span_of(const GridRun& run) { return (run.count + kLanes - 1) / kLanes; }
+        static int parts_of(const GridRun& run) {
+            const int span = span_of(run);
+            return (run.count + span - 1) / span;
         }
-        lanes::F4 psi{}, reach{};
-        bool single = true;
-        for (int lane = 0; lane < 4; ++lane) {
+        bool fits(const GridRun& run) const {
+            return run.count > 1 && parts_of(run) <= kLanes - size && (span_of(run) == 1) == singles;
+        }
+        void add(const GridRun& run, int count, const GridRun* parent) {
+            GridRun& r = this->run[size];
+            r = run;
+            r.count = static_cast<int16_t>(count);
+            for (int e = 0; e < 2; ++e) inherited[size][e] = parent ? parent->floor[e] : -INFINITY;
+            singles = count == 1 && (size == 0 || singles);
+            ++size;
+        }
+        void split(const GridRun& parent) {
+            const int span = span_of(parent), end = parent.first + parent.count;
+            for (int first = parent.first; first < end; first += span) {
+                GridRun part = parent;
+                part.first = static_cast<int16_t>(first);
+                add(part, std::min(span, end - first), &parent);
+            }
+        }
+    };
+
+    // The floors of the runs in batch, which then wait in queue if they could beat the best. An
+    // elbow sign is left out where no run's inherited floor or joint 4 alone lets it beat the best.
+    void bound_runs(RunBatch& batch, Queue& queue) {
+        if (batch.size == 0) return;
+        int elbows = 0;
+        for (int lane = 0; lane < batch.size; ++lane) {
+            for (int e = 0; e < 2; ++e)
+                elbows |= CostFloor::may_beat(batch.inherited[lane][e], best_) ? 1 << e : 0;
+        }
+        elbows &= floor().elbows_below(best_);
+        Wide psi{}, reach{};
+        for (int lane = 0; lane < kLanes; ++lane) {
             const GridRun& run = batch.run[std::min(lane, batch.size - 1)];
             const int middle = run.first + (run.count - 1) / 2;
             psi[lane] = grid_angle(middle, run.side);
             const int farthest = std::max(middle - run.first, run.first + run.count - 1 - middle);
             reach[lane] = static_cast<float>(farthest) * Q_STEP_MIN + kReachSlack;
-            single = single && run.count == 1;
         }
-        lanes::F4 sn, cs;
+        Wide sn, cs;
         lanes::sincos(psi, sn, cs);
-        const CostFloor::Floors floors =
-            single ? floor().at(sn, cs, elbows) : floor().over(sn, cs, reach, elbows);
+        const CostFloor::FloorsOf<Wide> floors =
+            batch.singles ? floor().at(sn, cs, elbows) : floor().over(sn, cs, reach, elbows);
         for (int lane = 0; lane < batch.size; ++lane) {
             GridRun& run = batch.run[lane];
-            for (int e = 0; e < 2; ++e) {
-                run.floor[e] = floors.elbow[e][lane];
-                if (parent) run.floor[e] = std::max(run.floor[e], parent->floor[e]);
-            }
-            run.key = floors.least(lane);
+            for (int e = 0; e < 2; ++e)
+                run.floor[e] = std::max(floors.elbow[e][lane], batch.inherited[lane][e]);
+            run.key = std::min(run.floor[0], run.floor[1]);
             if (CostFloor::may_beat(run.key, best_)) queue.push(run);
         }
         batch.size = 0;
@@ -580,14 +600,14 @@ using Search = int (*)(const SolveInput&, const Matrix&, IkSolve&, int, float);
 [[gnu::flatten]] int search_baseline(const SolveInput& in, const Matrix& flange, IkSolve& out, int strategy,
                                      float range) {
     const ArmAngleTarget t = arm_angle_target(in.dh, flange, in.reach_tol);
-    return t.reachable ? ArmAngleSearch(in, t, out).run(strategy, range) : 0;
+    return t.reachable ? ArmAngleSearch<lanes::F4>(in, t, out).run(strategy, range) : 0;
 }
 
 #if defined(__x86_64__)
 __attribute__((target("avx2,fma"), flatten)) int search_fma(const SolveInput& in, const Matrix& flange,
                                                             IkSolve& out, int strategy, float range) {
     const ArmAngleTarget t = arm_angle_target(in.dh, flange, in.reach_tol);
-    return t.reachable ? ArmAngleSearch(in, t, out).run(strategy, range) : 0;
+    return t.reachable ? ArmAngleSearch<lanes::F8>(in, t, out).run(strategy, range) : 0;
 }
 #endif
 

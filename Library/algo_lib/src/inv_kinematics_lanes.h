@@ -15,7 +15,10 @@
 namespace algo::ik::lanes {
 
 using algo::lanes::F4;
+using algo::lanes::F8;
 using algo::lanes::I4;
+using algo::lanes::kLanesOf;
+using algo::lanes::MaskOf;
 using algo::lanes::splat;
 // The plain lane functions under the same name here, for code that uses both sets.
 using algo::lanes::abs;
