@@ -344,7 +344,8 @@ private:
 
     static constexpr int kLanes = lanes::kLanesOf<Wide>;
     static constexpr int kMaxSteps = static_cast<int>(Q_STEP_MAX / Q_STEP_MIN) + 1;
-    static constexpr int kRootRun = 16;  // steps
+    // A root splits into a pass's worth of runs, each of them into a pass's worth of arm angles.
+    static constexpr int kRootRun = kLanes * kLanes;  // steps
     static constexpr int kMaxRoots = 2 * ((kMaxSteps + kRootRun - 1) / kRootRun);
     static constexpr float kReachSlack = 1e-5f;  // rad, for the rounding of the arm angles
     // Each run holds its steps, and is split into at least two: per side no more runs than twice
