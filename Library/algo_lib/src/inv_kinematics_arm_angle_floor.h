@@ -5,9 +5,10 @@
 // angle, without working the branches out. Each joint takes the turn nearest the reference, or
 // the next one towards its limits: from the joint's signed angle to the reference that is its
 // distance, or no branch within the limits at all. The shoulder and wrist entries the angles come
-// from are sinusoids in the arm angle, so an arm angle costs a few multiply-adds and two
-// lane arc tangents per elbow sign, against the full set of branches. The search skips the
-// elbow signs whose floor cannot beat the best so far: only work that could not change the answer.
+// from are sinusoids in the arm angle, so an arm angle costs a few multiply-adds and, with those in
+// the other lanes, a few arc tangents per elbow sign, against the full set of branches. The search
+// skips the elbow signs whose floor cannot beat the best so far: only work that could not change
+// the answer.
 // The same terms, with bounds on how fast each joint turns with the arm angle, give a floor over a
 // whole run of arm angles from the run's middle one. Not part of the library's interface.
 
@@ -64,8 +65,8 @@ public:
         }
     }
 
-    // Floors of each elbow sign (infinite where none can be within the limits) at four arm
-    // angles, or over four runs of them.
+    // Floors of each elbow sign (infinite where none can be within the limits) at four or eight
+    // arm angles, or over as many runs of them.
     template <class V>
     struct FloorsOf {
         V elbow[2];
@@ -245,7 +246,7 @@ private:
         return d * d;
     }
 
-    // One Z-Y-Z triple at four arm angles: |sin b| and each angle's difference from the
+    // One Z-Y-Z triple at a vector's arm angles: |sin b| and each angle's difference from the
     // reference's, within half a turn; the middle one's for both twins b and -b.
     template <class V>
     struct Triple {
@@ -322,10 +323,10 @@ private:
         return half * (d * d + e * e);
     }
 
-    // A triple's share of an elbow sign's bound over the arm angles within reach of four, for one
-    // twin: the joints' floors (infinite where one cannot be within its limits) and, for a second
-    // bound, the sum of their squared distances at the four with its rate and a bound on how fast
-    // that rate falls within reach.
+    // A triple's share of an elbow sign's bound over the arm angles within reach of a vector's,
+    // for one twin: the joints' floors (infinite where one cannot be within its limits) and, for a
+    // second bound, the sum of their squared distances at those with its rate and a bound on how
+    // fast that rate falls within reach.
     template <class V>
     struct Share {
         V floor, sum, rate, curve;
@@ -351,7 +352,7 @@ private:
         const V pair = pair_floor(m, t, j, sn, cs, reach);
         const V inv = one / t.sb, inv_low = one / lanes::select(regular, low, one);
         const V outer_move = lanes::select(regular, reach * inv_low, lanes::splat<V>(INFINITY));
-        // a', b', c' at the four from the spatial angular velocity: c' = w.u / sin b,
+        // a', b', c' there from the spatial angular velocity: c' = w.u / sin b,
         // b' = w.u_perp, a' = w_z - cot b * w.u / sin b, with u the unit (cos a, sin a, 0).
         const V along = lanes::splat<V>(axis.x) * t.x + lanes::splat<V>(axis.y) * t.y;   // sin b * w.u
         const V across = lanes::splat<V>(axis.y) * t.x - lanes::splat<V>(axis.x) * t.y;  // sin b * w.u_perp

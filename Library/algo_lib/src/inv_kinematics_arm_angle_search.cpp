@@ -286,12 +286,12 @@ private:
 
     // The grid in runs of steps, cheapest floor first. A run's floor comes from its middle arm
     // angle and how far the joints can move within the run; a run that could beat the best so far
-    // is split in four, down to single arm angles, whose branches are worked out in order of their
-    // floors. Once no floor left is below the best cost, no arm angle left can be nearer. The walk's
-    // order decides between equal costs, so the answer is the walk's. The first runs wait with a
-    // cheaper, looser floor, from how far the shoulder and wrist must turn to get there from the
-    // reference's, and get their own only when that is the lowest: near a reference that almost
-    // reaches the target, most are never looked at.
+    // is split into as many as a pass has lanes, down to single arm angles, whose branches are
+    // worked out in order of their floors. Once no floor left is below the best cost, no arm angle
+    // left can be nearer. The walk's order decides between equal costs, so the answer is the
+    // walk's. The first runs wait with a cheaper, looser floor, from how far the shoulder and wrist
+    // must turn to get there from the reference's, and get their own only when that is the lowest:
+    // near a reference that almost reaches the target, most are never looked at.
     void search_runs(int steps) {
         const SearchBound turning = search_bound(in_, t_, theta_ref_.data(), psi0_);
         // Waiting in a heap rather than sorted: most calls look at a few roots only.
@@ -318,11 +318,8 @@ private:
                     continue;
                 }
                 // With the next cheapest that could beat it too, a pass's worth.
-                for (int n = 0; n < kLanes && !roots.empty() && CostFloor::may_beat(roots.top().key, best_);
-                     ++n) {
-                    const GridRun root = roots.pop();
-                    batch.add(root, root.count, nullptr);
-                }
+                while (batch.size < kLanes && !roots.empty() && CostFloor::may_beat(roots.top().key, best_))
+                    batch.add(roots.pop(), nullptr);
                 bound_runs(batch, queue);
                 continue;
             }
@@ -369,12 +366,10 @@ private:
         bool fits(const GridRun& run) const {
             return run.count > 1 && parts_of(run) <= kLanes - size && (span_of(run) == 1) == singles;
         }
-        void add(const GridRun& run, int count, const GridRun* parent) {
-            GridRun& r = this->run[size];
-            r = run;
-            r.count = static_cast<int16_t>(count);
+        void add(const GridRun& part, const GridRun* parent) {
+            run[size] = part;
             for (int e = 0; e < 2; ++e) inherited[size][e] = parent ? parent->floor[e] : -INFINITY;
-            singles = count == 1 && (size == 0 || singles);
+            singles = part.count == 1 && (size == 0 || singles);
             ++size;
         }
         void split(const GridRun& parent) {
@@ -382,7 +377,8 @@ private:
             for (int first = parent.first; first < end; first += span) {
                 GridRun part = parent;
                 part.first = static_cast<int16_t>(first);
-                add(part, std::min(span, end - first), &parent);
+                part.count = static_cast<int16_t>(std::min(span, end - first));
+                add(part, &parent);
             }
         }
     };
@@ -594,8 +590,8 @@ private:
 
 // The search in one piece, built twice as the forward kinematics' pose calls are: for the
 // baseline instruction set and, for processors that have them, with AVX2 and fused multiply-adds,
-// which the four-lane floors gain most from; the target and its branches come inline with it. The
-// first call chooses.
+// which the floors gain most from, eight lanes at a time; the target and its branches come inline
+// with it. The first call chooses.
 using Search = int (*)(const SolveInput&, const Matrix&, IkSolve&, int, float);
 
 [[gnu::flatten]] int search_baseline(const SolveInput& in, const Matrix& flange, IkSolve& out, int strategy,
