@@ -9,8 +9,7 @@
 namespace fk {
 
 inline Matrix elbow_wrist_flange(const DH* dh, const float* q, float elbow_offset, float unit = 1.0f) {
-    const auto [j1, j2, j3, j4, j5, j6] = joint_trig<6>(dh, q, unit);
-    const SinCos j23 = sum(j2, j3);
+    const auto [j1, j2, j23, j4, j5, j6] = joint_trig<6, Third::Joints2And3>(dh, q, unit);
 
     // Wrist rotation R46 folded into R14.
     const float u = j4.c * j5.c * j6.c - j4.s * j6.s;

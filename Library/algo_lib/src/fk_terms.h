@@ -15,13 +15,18 @@ struct SinCos {
     float c;
 };
 
+// Which angle the third sine-cosine pair is of: joint 3's, or joints 2 and 3 together for the forms
+// that use only that sum, which then need not be formed from the two pairs.
+enum class Third { Joint3, Joints2And3 };
+
 // Sines and cosines of theta_i = q[i] * unit + offset[i] for the model's N joints; only those are
 // read. unit turns the caller's angles into radians (1 for radians).
-template <int N>
+template <int N, Third third = Third::Joint3>
 std::array<SinCos, N> joint_trig(const DH* dh, const float* q, float unit = 1.0f) {
     // Built in registers: a vector read of just-stored floats would stall on the stores.
     float theta[ROBOT_DOF];
     for (int i = 0; i < ROBOT_DOF; ++i) theta[i] = i < N ? q[i] * unit + dh->offset[i] : 0.0f;
+    if constexpr (third == Third::Joints2And3) theta[2] += theta[1];
     using algo::lanes::F4;
     const F4 low{theta[0], theta[1], theta[2], theta[3]}, high{theta[4], theta[5], theta[6], theta[7]};
     // The sines and cosines dominate the routines' cost: all joints in two four-lane passes.

@@ -108,8 +108,8 @@ Pos tool_point_in_work(const Matrix& f) {
 // The pose of the placed flange; the flange's own when no frame applies (no copy on the way).
 Pose pose_of(const Matrix& f, Around around, bool with_tool) {
     const Placing p = placing(around, with_tool);
-    if (p.before == nullptr && p.after == nullptr) return algo::pose_of(f);
-    return algo::pose_of(placed(f, p));
+    if (p.before == nullptr && p.after == nullptr) return algo::pose_of<algo::Rotation::Orthonormal>(f);
+    return algo::pose_of<algo::Rotation::Orthonormal>(placed(f, p));
 }
 
 // The closed forms of the pose calls, one per model family, on joint angles times unit.

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "flange_frames.h"
 #include "inv_kinematics_internal.h"
 #include "libalgo_interface.h"
 #include "pose_terms.h"
@@ -193,7 +194,11 @@ Matrix flange_target(const Pose& pose, int form) {
     // Built and read in place rather than through the by-value interface calls.
     const Matrix target = form == USE_QUAT ? quat_transform(pose.position, pose.quaternion)
                                            : euler_transform(pose.position, pose.euler);
-    return times_inverse(inverse_times(robot.install_matrix, target), robot.tool_cs);
+    // Frames left at the identity are skipped: most applications set neither.
+    const FlangeFrames& frames = flange_frames();
+    if (frames.install_identity && frames.tool_identity) return target;
+    const Matrix installed = frames.install_identity ? target : inverse_times(robot.install_matrix, target);
+    return frames.tool_identity ? installed : times_inverse(installed, robot.tool_cs);
 }
 
 }  // namespace algo::ik

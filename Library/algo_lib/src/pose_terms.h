@@ -19,13 +19,64 @@ constexpr float kGimbalLimit = 0.999999f;
 constexpr float kWrapBelow = -3.13f;
 constexpr float kTwoPiF = static_cast<float>(2.0 * ALGO_PI);
 
+// Which rotations a pose is taken of: any matrix, or one orthonormal to rounding (a product of
+// rotations, as forward kinematics makes), whose angles then need no division.
+enum class Rotation { Any, Orthonormal };
+
+// 1 / sqrt(v) in every lane: the estimate and one Newton step, which runs shorter than a square
+// root and a division.
+inline lanes::F4 reciprocal_sqrt(lanes::F4 v) {
+#if defined(__SSE__)
+    const lanes::F4 r = __builtin_ia32_rsqrtps(v);
+    return r * (lanes::splat(1.5f) - lanes::splat(0.5f) * v * r * r);
+#else
+    return lanes::splat(1.0f) / lanes::sqrt(v);
+#endif
+}
+
+// atan2(s, c) of every lane for points on the unit circle (to rounding), with no division: the
+// arcsine of the smaller of |s| and |c|, below sqrt(1/2) where an odd polynomial serves, then its
+// octant and quadrant, with atan2's signs for zeros.
+inline lanes::F4 angle_on_circle(lanes::F4 s, lanes::F4 c) {
+    using lanes::splat;
+    const lanes::F4 as = lanes::abs(s), ac = lanes::abs(c);
+    const lanes::I4 steep = as > ac;
+    const lanes::F4 x = lanes::select(steep, ac, as);
+    // asin(x) / x in z = x^2 on [0, 1/2], within 2e-8.
+    const lanes::F4 z = x * x, z2 = z * z, z4 = z2 * z2;
+    const lanes::F4 p =
+        ((splat(1.0f) + splat(0.16667020320892334f) * z) +
+         z2 * (splat(0.07485973089933395f) + splat(0.04674163833260536f) * z)) +
+        z4 * ((splat(0.015222831629216671f) + splat(0.08001027256250381f) * z) +
+              z2 * (splat(-0.0966452956199646f) + splat(0.11344993859529495f) * z));
+    lanes::F4 a = x * p;
+    a = lanes::select(steep, splat(1.57079632679490f) - a, a);
+    a = lanes::select(lanes::sign_bit(c) != 0, splat(3.14159265358979f) - a, a);
+    return lanes::flip_sign(a, lanes::sign_bit(s));
+}
+
 // R = Rz(rz) * Ry(ry) * Rx(rx); the three arc tangents in one pass.
+template <Rotation kind = Rotation::Any>
 inline Euler euler_of(const Matrix& m) {
     using lanes::F4;
     const auto& R = m.data;
+    const bool gimbal = R[2][0] > kGimbalLimit || R[2][0] < -kGimbalLimit;
+    if constexpr (kind == Rotation::Orthonormal) {
+        if (!gimbal) {
+            // Lanes: pitch, roll, yaw, each a sine-cosine pair scaled to the unit circle. cos(pitch)
+            // from row 2: in a flange that starts with a turn about the base's z axis, row 2 does
+            // not wait for that turn.
+            const float cc = R[2][1] * R[2][1] + R[2][2] * R[2][2];
+            const F4 y{-R[2][0], R[2][1], R[1][0], 0.0f};
+            const F4 x{lanes::sqrt(lanes::splat(cc))[0], R[2][2], R[0][0], 1.0f};
+            const F4 r = reciprocal_sqrt(y * y + F4{cc, R[2][2] * R[2][2], R[0][0] * R[0][0], 1.0f});
+            F4 a = angle_on_circle(y * r, x * r);
+            a = lanes::select(a < lanes::splat(kWrapBelow), a + lanes::splat(kTwoPiF), a);
+            return Euler{a[1], a[0], a[2]};
+        }
+    }
     const float pitch_y = -R[2][0];
     const float pitch_x = std::sqrt(R[0][0] * R[0][0] + R[1][0] * R[1][0]);
-    const bool gimbal = R[2][0] > kGimbalLimit || R[2][0] < -kGimbalLimit;
     // Lanes: pitch, roll, yaw. At the gimbal lock yaw is 0 (atan2(0, 1)) and roll takes it up.
     const F4 y = gimbal ? F4{pitch_y, R[0][1], 0.0f, 0.0f} : F4{pitch_y, R[2][1], R[1][0], 0.0f};
     const F4 x = gimbal ? F4{pitch_x, R[1][1], 1.0f, 1.0f} : F4{pitch_x, R[2][2], R[0][0], 1.0f};
@@ -58,9 +109,10 @@ inline Quat quat_of(const Matrix& m) {
 
 // Stored in the three pieces (16, 16 and 8 bytes) in which a copy of the record reads it, so that
 // the copy takes its bytes straight from these stores instead of stalling until they are written.
+template <Rotation kind = Rotation::Any>
 inline Pose pose_of(const Matrix& t) {
     using lanes::F4;
-    const Euler e = euler_of(t);
+    const Euler e = euler_of<kind>(t);
     const Quat q = quat_of(t);
     static_assert(sizeof(Pose) == 10 * sizeof(float));
     const F4 first{t.data[0][3], t.data[1][3], t.data[2][3], q.w};
