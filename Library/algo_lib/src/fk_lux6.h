@@ -7,8 +7,9 @@
 
 namespace fk {
 
-inline Matrix lux_flange(const DH* dh, const float* q, float unit = 1.0f) {
-    const auto [j1, j2, j3, j4, j5, j6] = joint_trig<6>(dh, q, unit);
+template <class V = algo::lanes::F4>
+Matrix lux_flange(const DH* dh, const float* q, float unit = 1.0f) {
+    const auto [j1, j2, j3, j4, j5, j6] = joint_trig<6, Third::Joint3, V>(dh, q, unit);
     const SinCos j23 = sum(j2, j3);
     const SinCos j234 = sum(j23, j4);
 

@@ -8,8 +8,9 @@
 
 namespace fk {
 
-inline Matrix elbow_wrist_flange(const DH* dh, const float* q, float elbow_offset, float unit = 1.0f) {
-    const auto [j1, j2, j23, j4, j5, j6] = joint_trig<6, Third::Joints2And3>(dh, q, unit);
+template <class V = algo::lanes::F4>
+Matrix elbow_wrist_flange(const DH* dh, const float* q, float elbow_offset, float unit = 1.0f) {
+    const auto [j1, j2, j23, j4, j5, j6] = joint_trig<6, Third::Joints2And3, V>(dh, q, unit);
 
     // Wrist rotation R46 folded into R14.
     const float u = j4.c * j5.c * j6.c - j4.s * j6.s;

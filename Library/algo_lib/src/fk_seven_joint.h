@@ -10,8 +10,9 @@
 namespace fk {
 
 // Rows of the rotation, built from the flange end: each Rz mixes rows 0 and 1, each Ry rows 0 and 2.
-inline Matrix shoulder_elbow_wrist_flange(const DH* dh, const float* q, float unit = 1.0f) {
-    const auto [j1, j2, j3, j4, j5, j6, j7] = joint_trig<7>(dh, q, unit);
+template <class V = algo::lanes::F4>
+Matrix shoulder_elbow_wrist_flange(const DH* dh, const float* q, float unit = 1.0f) {
+    const auto [j1, j2, j3, j4, j5, j6, j7] = joint_trig<7, Third::Joint3, V>(dh, q, unit);
 
     // Ry6*Rz7
     const float a00 = j6.c * j7.c, a01 = -j6.c * j7.s, a02 = j6.s;

@@ -20,21 +20,26 @@ struct SinCos {
 enum class Third { Joint3, Joints2And3 };
 
 // Sines and cosines of theta_i = q[i] * unit + offset[i] for the model's N joints; only those are
-// read. unit turns the caller's angles into radians (1 for radians).
-template <int N, Third third = Third::Joint3>
+// read. unit turns the caller's angles into radians (1 for radians). V is the lane type: four lanes
+// take all joints in two passes, eight (code built for 256-bit registers) in one.
+template <int N, Third third = Third::Joint3, class V = algo::lanes::F4>
 std::array<SinCos, N> joint_trig(const DH* dh, const float* q, float unit = 1.0f) {
     // Built in registers: a vector read of just-stored floats would stall on the stores.
     float theta[ROBOT_DOF];
     for (int i = 0; i < ROBOT_DOF; ++i) theta[i] = i < N ? q[i] * unit + dh->offset[i] : 0.0f;
     if constexpr (third == Third::Joints2And3) theta[2] += theta[1];
-    using algo::lanes::F4;
-    const F4 low{theta[0], theta[1], theta[2], theta[3]}, high{theta[4], theta[5], theta[6], theta[7]};
-    // The sines and cosines dominate the routines' cost: all joints in two four-lane passes.
-    F4 s[2], c[2];
-    algo::lanes::sincos(low, s[0], c[0]);
-    algo::lanes::sincos(high, s[1], c[1]);
+    // The sines and cosines dominate the routines' cost.
+    constexpr int kLanes = algo::lanes::kLanesOf<V>;
+    V s[ROBOT_DOF / kLanes], c[ROBOT_DOF / kLanes];
+    if constexpr (kLanes == 8) {
+        algo::lanes::sincos(V{theta[0], theta[1], theta[2], theta[3], theta[4], theta[5], theta[6], theta[7]}, s[0],
+                            c[0]);
+    } else {
+        algo::lanes::sincos(V{theta[0], theta[1], theta[2], theta[3]}, s[0], c[0]);
+        algo::lanes::sincos(V{theta[4], theta[5], theta[6], theta[7]}, s[1], c[1]);
+    }
     std::array<SinCos, N> out;
-    for (int i = 0; i < N; ++i) out[i] = {s[i / 4][i % 4], c[i / 4][i % 4]};
+    for (int i = 0; i < N; ++i) out[i] = {s[i / kLanes][i % kLanes], c[i / kLanes][i % kLanes]};
     return out;
 }
 

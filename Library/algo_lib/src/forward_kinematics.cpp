@@ -112,19 +112,23 @@ Pose pose_of(const Matrix& f, Around around, bool with_tool) {
     return algo::pose_of<algo::Rotation::Orthonormal>(placed(f, p));
 }
 
-// The closed forms of the pose calls, one per model family, on joint angles times unit.
+// The closed forms of the pose calls, one per model family, on joint angles times unit, with
+// their sines and cosines V lanes at a time.
 using Form = Matrix (*)(const DH*, const float*, float unit);
-inline Matrix elbow_wrist(const DH* dh, const float* q, float unit) {
-    return fk::elbow_wrist_flange(dh, q, 0.0f, unit);
+template <class V>
+Matrix elbow_wrist(const DH* dh, const float* q, float unit) {
+    return fk::elbow_wrist_flange<V>(dh, q, 0.0f, unit);
 }
-inline Matrix offset_elbow_wrist(const DH* dh, const float* q, float unit) {
-    return fk::elbow_wrist_flange(dh, q, dh->a[3], unit);
+template <class V>
+Matrix offset_elbow_wrist(const DH* dh, const float* q, float unit) {
+    return fk::elbow_wrist_flange<V>(dh, q, dh->a[3], unit);
 }
 
 // One pose call in one piece: the closed form expanded with the frames and the angles after it,
 // so that its transform goes on to a pose in registers. Each is built twice: for the baseline
 // instruction set and, for processors that have them, with AVX2 and fused multiply-adds, which
-// shorten its chains of dependent operations. The first call chooses.
+// shorten its chains of dependent operations, and take all joints' sines and cosines in one
+// eight-lane pass. The first call chooses.
 using FormPose = Pose (*)(const float*, Around, bool, float unit);
 
 template <Form form>
@@ -135,9 +139,11 @@ template <Form form>
 struct FormPoses {
     FormPose elbow_wrist, offset_elbow_wrist, lux, seven_joint;
 };
-constexpr FormPoses kBaselinePoses{form_pose_baseline<elbow_wrist>, form_pose_baseline<offset_elbow_wrist>,
-                                   form_pose_baseline<fk::lux_flange>,
-                                   form_pose_baseline<fk::shoulder_elbow_wrist_flange>};
+using algo::lanes::F4;
+using algo::lanes::F8;
+constexpr FormPoses kBaselinePoses{form_pose_baseline<elbow_wrist<F4>>, form_pose_baseline<offset_elbow_wrist<F4>>,
+                                   form_pose_baseline<fk::lux_flange<F4>>,
+                                   form_pose_baseline<fk::shoulder_elbow_wrist_flange<F4>>};
 
 #if defined(__x86_64__)
 template <Form form>
@@ -145,8 +151,8 @@ __attribute__((target("avx2,fma"), flatten)) Pose form_pose_fma(const float* q, 
                                                                   float unit) {
     return pose_of(form(&robot.dh, q, unit), around, with_tool);
 }
-constexpr FormPoses kFmaPoses{form_pose_fma<elbow_wrist>, form_pose_fma<offset_elbow_wrist>,
-                              form_pose_fma<fk::lux_flange>, form_pose_fma<fk::shoulder_elbow_wrist_flange>};
+constexpr FormPoses kFmaPoses{form_pose_fma<elbow_wrist<F8>>, form_pose_fma<offset_elbow_wrist<F8>>,
+                              form_pose_fma<fk::lux_flange<F8>>, form_pose_fma<fk::shoulder_elbow_wrist_flange<F8>>};
 #endif
 
 const FormPoses& form_poses() {
