@@ -393,18 +393,22 @@ private:
                 elbows |= CostFloor::may_beat(batch.inherited[lane][e], best_) ? 1 << e : 0;
         }
         elbows &= floor().elbows_below(best_);
-        Wide psi{}, reach{};
+        // A run's arm angles lie between its ends'.
+        Wide lo{}, hi{}, width{};
         for (int lane = 0; lane < kLanes; ++lane) {
             const GridRun& run = batch.run[std::min(lane, batch.size - 1)];
-            const int middle = run.first + (run.count - 1) / 2;
-            psi[lane] = grid_angle(middle, run.side);
-            const int farthest = std::max(middle - run.first, run.first + run.count - 1 - middle);
-            reach[lane] = static_cast<float>(farthest) * Q_STEP_MIN + kReachSlack;
+            const int last = run.first + run.count - 1;
+            lo[lane] = grid_angle(run.side > 0 ? run.first : last, run.side);
+            hi[lane] = grid_angle(run.side > 0 ? last : run.first, run.side);
+            width[lane] = static_cast<float>(run.count - 1) * Q_STEP_MIN + kReachSlack;
         }
-        Wide sn, cs;
-        lanes::sincos(psi, sn, cs);
-        const CostFloor::FloorsOf<Wide> floors =
-            batch.singles ? floor().at(sn, cs, elbows) : floor().over(sn, cs, reach, elbows);
+        Wide sn_lo, cs_lo;
+        lanes::sincos(lo, sn_lo, cs_lo);
+        Wide sn_hi, cs_hi;
+        if (!batch.singles) lanes::sincos(hi, sn_hi, cs_hi);
+        const CostFloor::FloorsOf<Wide> floors = batch.singles
+                                                     ? floor().at(sn_lo, cs_lo, elbows, best_)
+                                                     : floor().over(sn_lo, cs_lo, sn_hi, cs_hi, width, elbows, best_);
         for (int lane = 0; lane < batch.size; ++lane) {
             GridRun& run = batch.run[lane];
             for (int e = 0; e < 2; ++e)

@@ -1,0 +1,201 @@
+#ifndef INV_KINEMATICS_ARM_ANGLE_ARCS_H
+#define INV_KINEMATICS_ARM_ANGLE_ARCS_H
+
+// What a Z-Y-Z triple's angles sweep over an interval of arm angles, from their values at its
+// two ends. a, c, a + c and a - c are each the angle of a point (X, Y) whose coordinates are
+// sums of R's entries, so sinusoids in the arm angle: the angle turns one way for as long as
+// X Y' - Y X' keeps its sign, and that is k + p sin psi + q cos psi (the sin * cos terms cancel),
+// whose least and greatest values over an interval shorter than half a turn lie at its ends or
+// where its own derivative changes sign. Where it keeps its sign the angle's values are exactly
+// the arc between its values at the ends, the way it turns; elsewhere a bound on its rate gives a
+// wider arc. b = acos(r22) follows r22, whose range over the interval comes the same way. Not
+// part of the library's interface.
+
+#include <cmath>
+
+#include "inv_kinematics_internal.h"
+#include "lane_trig.h"
+
+namespace algo::ik {
+
+// The entries of a rotation the angles are read from, each as [sin, cos, constant] in the arm
+// angle.
+enum ArcEntry { k00, k01, k02, k10, k11, k12, k20, k21, k22, kArcEntries };
+using ArcEntries = float[kArcEntries][3];
+
+// a, c, a + c and a - c, as the angles of
+// (r02, r12), (-r20, r21), (r00 + r11, r10 - r01), (r11 - r00, -(r10 + r01)).
+enum ArcAngle { kArcA, kArcC, kArcSum, kArcDifference, kArcAngles };
+
+// X Y' - Y X' = k + p sin psi + q cos psi for one angle, with its amplitude and a margin for the
+// rounding of the sum.
+struct TurnForm {
+    float k, p, q, amplitude, margin;
+};
+
+struct ArcForms {
+    TurnForm turn[kArcAngles];
+    float z_top, z_bottom;  // r22's extremes over all arm angles
+    float b_top, b_bottom;  // b there
+
+    // Well above single precision's rounding of k + p sin + q cos, with the sine and cosine
+    // within a few ulp.
+    static constexpr double kTurnRounding = 2e-6;
+};
+
+inline ArcForms arc_forms(const ArcEntries& r) {
+    ArcForms f;
+    for (int i = 0; i < kArcAngles; ++i) {
+        double x[3], y[3];
+        for (int part = 0; part < 3; ++part) {
+            const auto at = [&](int e) { return double(r[e][part]); };
+            switch (i) {
+                case kArcA:
+                    x[part] = at(k02), y[part] = at(k12);
+                    break;
+                case kArcC:
+                    x[part] = -at(k20), y[part] = at(k21);
+                    break;
+                case kArcSum:
+                    x[part] = at(k00) + at(k11), y[part] = at(k10) - at(k01);
+                    break;
+                default:
+                    x[part] = at(k11) - at(k00), y[part] = -(at(k10) + at(k01));
+                    break;
+            }
+        }
+        const double k = x[1] * y[0] - x[0] * y[1];
+        const double p = y[2] * x[1] - x[2] * y[1];
+        const double q = x[2] * y[0] - y[2] * x[0];
+        const double amplitude = std::sqrt(p * p + q * q);
+        f.turn[i] = {float(k), float(p), float(q), float(amplitude),
+                     float(ArcForms::kTurnRounding * (std::fabs(k) + amplitude) + 1e-12)};
+    }
+    const double zs = r[k22][0], zc = r[k22][1], zk = r[k22][2];
+    const double amplitude = std::sqrt(zs * zs + zc * zc);
+    f.z_top = float(zk + amplitude);
+    f.z_bottom = float(zk - amplitude);
+    f.b_top = float(std::acos(std::fmin(1.0, zk + amplitude)));
+    f.b_bottom = float(std::acos(std::fmax(-1.0, zk - amplitude)));
+    return f;
+}
+
+// Slack for rounding: on every arc (loose anyway); for a and c, and a + c and a - c formed from
+// them, times 1 / |sin b| (the solver's rounding and the ends'); for sin^2 b = 1 - r22^2 in
+// entries not quite a rotation. Below kArcSingular |sin b| a and c may be anything (at the
+// singularity the solver takes the reference's a).
+constexpr float kArcSlack = 1e-4f;
+constexpr float kArcOuterSlack = 4e-6f;
+constexpr float kArcSinSquaredSlack = 4e-6f;
+constexpr float kArcSingular = 1e-4f;
+
+// One triple's values at one end of each lane's interval.
+template <class V>
+struct ArcEnd {
+    V angle[kArcAngles];
+    V turn[kArcAngles], bend[kArcAngles];  // X Y' - Y X' and its derivative
+    V z, dz, b;                            // r22, its derivative, and b = atan2(sin b, r22)
+    V pair_slack;                          // a + c and a - c carry a's and c's rounding
+};
+
+// a moved by a turn into [-pi, pi] (within half a turn), from within a turn and a half.
+template <class V>
+V within_half_turn(V a) {
+    a = lanes::select(a > lanes::splat<V>(kPi), a - lanes::splat<V>(kTwoPi), a);
+    return lanes::select(a < lanes::splat<V>(-kPi), a + lanes::splat<V>(kTwoPi), a);
+}
+
+template <class V>
+ArcEnd<V> arc_end(const ArcEntries& m, const ArcForms& f, V sn, V cs) {
+    const auto entry = [&](int i) { return m[i][0] * sn + m[i][1] * cs + lanes::splat<V>(m[i][2]); };
+    const V r02 = entry(k02), r12 = entry(k12), r20 = entry(k20), r21 = entry(k21);
+    ArcEnd<V> e;
+    e.z = entry(k22);
+    e.dz = m[k22][0] * cs - m[k22][1] * sn;
+    const V sb = lanes::sqrt(r02 * r02 + r12 * r12);
+    e.b = lanes::atan2(sb, e.z);
+    const V a = lanes::atan2(r12, r02), c = lanes::atan2(r21, -r20);
+    e.angle[kArcA] = a;
+    e.angle[kArcC] = c;
+    e.angle[kArcSum] = within_half_turn(a + c);
+    e.angle[kArcDifference] = within_half_turn(a - c);
+    e.pair_slack = lanes::splat<V>(2.0f * kArcOuterSlack) / sb;
+    for (int i = 0; i < kArcAngles; ++i) {
+        const TurnForm& t = f.turn[i];
+        e.turn[i] = t.p * sn + t.q * cs + lanes::splat<V>(t.k);
+        e.bend[i] = t.p * cs - t.q * sn;
+    }
+    return e;
+}
+
+// An arc of angles: every value within move of centre (move may be infinite).
+template <class V>
+struct Arc {
+    V centre, move;
+};
+
+// What one triple sweeps over each lane's interval, from its ends lo and hi `width` apart (rad).
+template <class V>
+struct TripleArcs {
+    Arc<V> angle[kArcAngles];
+    Arc<V> b;  // within [0, pi]
+};
+
+template <class V>
+TripleArcs<V> triple_arcs(const ArcForms& f, const ArcEnd<V>& lo, const ArcEnd<V>& hi, V width) {
+    using I = lanes::MaskOf<V>;
+    const V zero = lanes::splat<V>(0.0f), half = lanes::splat<V>(0.5f), one = lanes::splat<V>(1.0f);
+    const V turn = lanes::splat<V>(kTwoPi), pi = lanes::splat<V>(kPi);
+    TripleArcs<V> out;
+    // r22's range, and b's, exact but for rounding.
+    const I z_peak = (lo.dz > zero) & (hi.dz < zero), z_trough = (lo.dz < zero) & (hi.dz > zero);
+    const V z_max = lanes::select(z_peak, lanes::splat<V>(f.z_top), lanes::max(lo.z, hi.z));
+    const V z_min = lanes::select(z_trough, lanes::splat<V>(f.z_bottom), lanes::min(lo.z, hi.z));
+    const V b_min = lanes::select(z_peak, lanes::splat<V>(f.b_top), lanes::min(lo.b, hi.b));
+    const V b_max = lanes::select(z_trough, lanes::splat<V>(f.b_bottom), lanes::max(lo.b, hi.b));
+    out.b = {half * (b_min + b_max), half * (b_max - b_min) + lanes::splat<V>(kArcSlack)};
+    // |sin b|, cos(b / 2) and sin(b / 2) at their least over the interval.
+    const V z_far = lanes::max(z_max * z_max, z_min * z_min);
+    const V sin_b = lanes::sqrt(lanes::max(one - z_far - lanes::splat<V>(kArcSinSquaredSlack), zero));
+    const V cos_half = lanes::sqrt(lanes::max(half + half * z_min, zero));
+    const V sin_half = lanes::sqrt(lanes::max(half - half * z_max, zero));
+    // The solver's a and c carry its rounding over sin b; a + c (a - c) is as well defined as
+    // the entries it comes from only while b stays within the upper (lower) half turn.
+    const V outer = lanes::splat<V>(2.0f * kArcOuterSlack) / sin_b;
+    const V inf = lanes::splat<V>(INFINITY);
+    const V rate[kArcAngles] = {one / sin_b, one / sin_b, one / cos_half, one / sin_half};
+    const V single = lanes::select(sin_b > lanes::splat<V>(kArcSingular), outer, inf);
+    // a + c and a - c at the ends come from a and c; whether they turn one way, from entries of
+    // size 1 + cos b and 1 - cos b.
+    const V ends = lanes::max(lo.pair_slack, hi.pair_slack), form = lanes::splat<V>(kArcOuterSlack);
+    const V slack[kArcAngles] = {single, single,
+                                 ends + form / (one + z_min) + lanes::select(z_min >= zero, zero, outer),
+                                 ends + form / (one - z_max) + lanes::select(z_max <= zero, zero, outer)};
+    for (int i = 0; i < kArcAngles; ++i) {
+        const TurnForm& t = f.turn[i];
+        const I trough = (lo.bend[i] < zero) & (hi.bend[i] > zero),
+                peak = (lo.bend[i] > zero) & (hi.bend[i] < zero);
+        const V least =
+            lanes::select(trough, lanes::splat<V>(t.k - t.amplitude), lanes::min(lo.turn[i], hi.turn[i]));
+        const V most =
+            lanes::select(peak, lanes::splat<V>(t.k + t.amplitude), lanes::max(lo.turn[i], hi.turn[i]));
+        const I up = least > lanes::splat<V>(t.margin), down = most < lanes::splat<V>(-t.margin);
+        const V delta = hi.angle[i] - lo.angle[i];  // within a turn either way
+        const V swept_up = lanes::select(delta < zero, delta + turn, delta);
+        const V swept_down = lanes::select(delta > zero, turn - delta, -delta);
+        // Elsewhere the arc around the ends' middle within the rate's bound either way.
+        const V shortest =
+            lanes::select(delta > pi, delta - turn, lanes::select(delta < -pi, delta + turn, delta));
+        const V reach = rate[i] * width;
+        const V loose = lanes::select(reach < pi, half * reach, inf);
+        const V sweep =
+            lanes::select(up, half * swept_up, lanes::select(down, -half * swept_down, half * shortest));
+        const V move = lanes::select(up, half * swept_up, lanes::select(down, half * swept_down, loose));
+        out.angle[i] = {lo.angle[i] + sweep, move + slack[i] + lanes::splat<V>(kArcSlack)};
+    }
+    return out;
+}
+
+}  // namespace algo::ik
+
+#endif
