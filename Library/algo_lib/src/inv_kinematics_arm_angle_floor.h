@@ -89,28 +89,20 @@ public:
     // True when a branch whose floor is `floor` may cost less than best.
     static bool may_beat(float floor, double best) { return below(floor) < best; }
 
-    // False only when no lane's floor may beat best: a floor with a part left out, which can
-    // beat nothing then either, is as good as the whole.
-    template <class V>
-    static bool any_may_beat(V floor, double best) {
-        const float above = static_cast<float>(best * (1.0 + 1e-5) + 1e-5);
-        return algo::lanes::any(floor <= lanes::splat<V>(above));
-    }
-
     // At the arm angles whose sines and cosines are sn and cs, for the elbow signs of `elbows`
     // (infinite for the others).
     template <class V>
-    FloorsOf<V> at(V sn, V cs, int elbows = kBothElbows, double best = INFINITY) const {
+    FloorsOf<V> at(V sn, V cs, int elbows = kBothElbows) const {
         FloorsOf<V> f;
         for (int e = 0; e < 2; ++e) {
             if (joint4_[e] == INFINITY || (elbows & (1 << e)) == 0) {
                 f.elbow[e] = lanes::splat<V>(INFINITY);
                 continue;
             }
-            V sum = lanes::splat<V>(joint4_[e]);
-            for (int k = 0; k < 2 && (k == 0 || any_may_beat(sum, best)); ++k)
-                sum += triple_floor(triple_angles(parts_[e][k], joints_[k], sn, cs), joints_[k]);
-            f.elbow[e] = sum;
+            const Triple<V> shoulder = triple_angles(parts_[e][0], joints_[0], sn, cs);
+            const Triple<V> wrist = triple_angles(parts_[e][1], joints_[1], sn, cs);
+            f.elbow[e] = lanes::splat<V>(joint4_[e]) + triple_floor(shoulder, joints_[0]) +
+                         triple_floor(wrist, joints_[1]);
         }
         return f;
     }
@@ -118,8 +110,7 @@ public:
     // Over every arm angle from those whose sines and cosines are (sn_lo, cs_lo) to those whose
     // are (sn_hi, cs_hi), width (rad) above them.
     template <class V>
-    FloorsOf<V> over(V sn_lo, V cs_lo, V sn_hi, V cs_hi, V width, int elbows = kBothElbows,
-                     double best = INFINITY) const {
+    FloorsOf<V> over(V sn_lo, V cs_lo, V sn_hi, V cs_hi, V width, int elbows = kBothElbows) const {
         FloorsOf<V> f;
         for (int e = 0; e < 2; ++e) {
             if (joint4_[e] == INFINITY || (elbows & (1 << e)) == 0) {
@@ -127,7 +118,7 @@ public:
                 continue;
             }
             V sum = lanes::splat<V>(joint4_[e]);
-            for (int k = 0; k < 2 && (k == 0 || any_may_beat(sum, best)); ++k) {
+            for (int k = 0; k < 2; ++k) {
                 const ArcForms& forms = forms_[e][k];
                 const TripleArcs<V> arcs = triple_arcs(forms, arc_end(parts_[e][k], forms, sn_lo, cs_lo),
                                                        arc_end(parts_[e][k], forms, sn_hi, cs_hi), width);

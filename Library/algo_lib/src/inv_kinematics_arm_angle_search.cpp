@@ -293,7 +293,9 @@ private:
     // must turn to get there from the reference's, and get their own only when that is the lowest:
     // near a reference that almost reaches the target, most are never looked at.
     void search_runs(int steps) {
-        const SearchBound turning = search_bound(in_, t_, theta_ref_.data(), psi0_);
+        // Roots that all fit in one pass are looked at together, whatever their keys.
+        const bool keyed = 2 * ((steps + kRootRun - 1) / kRootRun) > kLanes;
+        const SearchBound turning = keyed ? search_bound(in_, t_, theta_ref_.data(), psi0_) : SearchBound{};
         // Waiting in a heap rather than sorted: most calls look at a few roots only.
         RunQueue<kMaxRoots> roots;
         for (const int side : {1, -1}) {
@@ -304,8 +306,9 @@ private:
                 run.side = static_cast<int8_t>(side);
                 const double near = static_cast<double>(first) * Q_STEP_MIN;
                 const double far = static_cast<double>(first + run.count - 1) * Q_STEP_MIN;
-                run.key = static_cast<float>(side > 0 ? lowest_cost_between(turning, near, far)
-                                                      : lowest_cost_between(turning, -far, -near));
+                run.key = !keyed    ? -INFINITY
+                          : side > 0 ? static_cast<float>(lowest_cost_between(turning, near, far))
+                                     : static_cast<float>(lowest_cost_between(turning, -far, -near));
                 if (CostFloor::may_beat(run.key, best_)) roots.push(run);
             }
         }
@@ -407,8 +410,8 @@ private:
         Wide sn_hi, cs_hi;
         if (!batch.singles) lanes::sincos(hi, sn_hi, cs_hi);
         const CostFloor::FloorsOf<Wide> floors = batch.singles
-                                                     ? floor().at(sn_lo, cs_lo, elbows, best_)
-                                                     : floor().over(sn_lo, cs_lo, sn_hi, cs_hi, width, elbows, best_);
+                                                     ? floor().at(sn_lo, cs_lo, elbows)
+                                                     : floor().over(sn_lo, cs_lo, sn_hi, cs_hi, width, elbows);
         for (int lane = 0; lane < batch.size; ++lane) {
             GridRun& run = batch.run[lane];
             for (int e = 0; e < 2; ++e)
