@@ -41,6 +41,7 @@ struct ArcForms {
     // Well above single precision's rounding of k + p sin + q cos, with the sine and cosine
     // within a few ulp.
     static constexpr double kTurnRounding = 2e-6;
+    static constexpr double kExtremeRounding = 2e-6;
 };
 
 inline ArcForms arc_forms(const ArcEntries& r) {
@@ -71,12 +72,13 @@ inline ArcForms arc_forms(const ArcEntries& r) {
         f.turn[i] = {float(k), float(p), float(q), float(amplitude),
                      float(ArcForms::kTurnRounding * (std::fabs(k) + amplitude) + 1e-12)};
     }
+    // Widened for rounding: near r22 = +-1 its arc cosine takes in r22's rounding as a square root.
     const double zs = r[k22][0], zc = r[k22][1], zk = r[k22][2];
-    const double amplitude = std::sqrt(zs * zs + zc * zc);
+    const double amplitude = std::sqrt(zs * zs + zc * zc) + ArcForms::kExtremeRounding;
     f.z_top = float(zk + amplitude);
     f.z_bottom = float(zk - amplitude);
-    f.b_top = float(std::acos(std::fmin(1.0, zk + amplitude)));
-    f.b_bottom = float(std::acos(std::fmax(-1.0, zk - amplitude)));
+    f.b_top = std::acos(std::fmin(1.0f, f.z_top));
+    f.b_bottom = std::acos(std::fmax(-1.0f, f.z_bottom));
     return f;
 }
 
