@@ -19,25 +19,49 @@ struct GridRun {
     int8_t side;     // +1 above the reference's arm angle, -1 below
 };
 
+// A binary heap of keys and places, the runs themselves staying where they were put: the sifts move
+// eight bytes at a time. Capacity bounds the runs ever pushed between clears.
 template <int Capacity>
 class RunQueue {
 public:
     bool empty() const { return size_ == 0; }
-    const GridRun& top() const { return runs_[0]; }
+    const GridRun& top() const { return runs_[heap_[0].place]; }
     void push(const GridRun& run) {
-        runs_[size_++] = run;
-        std::push_heap(runs_.begin(), runs_.begin() + size_, later);
+        runs_[stored_] = run;
+        const Entry entry{run.key, stored_++};
+        int hole = size_++;
+        while (hole > 0) {
+            const int parent = (hole - 1) / 2;
+            if (heap_[parent].key <= entry.key) break;
+            heap_[hole] = heap_[parent];
+            hole = parent;
+        }
+        heap_[hole] = entry;
     }
-    void clear() { size_ = 0; }
+    void clear() { size_ = stored_ = 0; }
     GridRun pop() {
-        std::pop_heap(runs_.begin(), runs_.begin() + size_, later);
-        return runs_[--size_];
+        const GridRun run = runs_[heap_[0].place];
+        const Entry last = heap_[--size_];
+        int hole = 0;
+        for (int child = 1; child < size_; child = 2 * hole + 1) {
+            if (child + 1 < size_ && heap_[child + 1].key < heap_[child].key) ++child;
+            if (last.key <= heap_[child].key) break;
+            heap_[hole] = heap_[child];
+            hole = child;
+        }
+        heap_[hole] = last;
+        return run;
     }
 
 private:
-    static bool later(const GridRun& a, const GridRun& b) { return a.key > b.key; }
+    struct Entry {
+        float key;
+        int place;  // in runs_
+    };
+    std::array<Entry, Capacity> heap_;
     std::array<GridRun, Capacity> runs_;
     int size_ = 0;
+    int stored_ = 0;
 };
 
 }  // namespace algo::ik

@@ -36,10 +36,11 @@ inline V splat(float v) {
         return V{v, v, v, v, v, v, v, v};
     }
 }
+// Masks are whole lanes of ones or zeros, as comparisons give them: one blend where the
+// instruction set has it.
 template <class V>
 inline V select(MaskOf<V> mask, V yes, V no) {
-    using M = MaskOf<V>;
-    return reinterpret_cast<V>((mask & reinterpret_cast<M>(yes)) | (~mask & reinterpret_cast<M>(no)));
+    return mask ? yes : no;
 }
 inline F4 sqrt(F4 v) {
 #if defined(__SSE__)
