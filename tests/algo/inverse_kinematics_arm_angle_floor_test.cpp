@@ -25,7 +25,7 @@ double squared_distance(const float* q, const float* ref) {
 
 class ArmAngleFloor : public ::testing::TestWithParam<RobotType> {};
 
-TEST_P(ArmAngleFloor, RunFloorsLieUnderTheirArmAnglesFloors) {
+TEST_P(ArmAngleFloor, RunFloorsLieUnderEveryBranchAtTheirArmAngles) {
     ASSERT_EQ(libalgo_set_robot_and_sensor_type(GetParam(), _B), 0);
     struct Row {
         const char* targets;

@@ -39,7 +39,7 @@ struct ArcForms {
     float b_top, b_bottom;  // b there
 
     // Well above single precision's rounding of k + p sin + q cos, with the sine and cosine
-    // within a few ulp.
+    // within a few ulp, and of r22.
     static constexpr double kTurnRounding = 2e-6;
     static constexpr double kExtremeRounding = 2e-6;
 };
