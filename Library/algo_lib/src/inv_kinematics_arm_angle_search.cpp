@@ -405,10 +405,11 @@ private:
             hi[lane] = grid_angle(run.side > 0 ? last : run.first, run.side);
             width[lane] = static_cast<float>(run.count - 1) * Q_STEP_MIN + kReachSlack;
         }
+        // Grid arm angles are within a few turns: no lane needs the library's reduction.
         Wide sn_lo, cs_lo;
-        lanes::sincos(lo, sn_lo, cs_lo);
+        algo::lanes::sincos_reducible(lo, sn_lo, cs_lo);
         Wide sn_hi, cs_hi;
-        if (!batch.singles) lanes::sincos(hi, sn_hi, cs_hi);
+        if (!batch.singles) algo::lanes::sincos_reducible(hi, sn_hi, cs_hi);
         const CostFloor::FloorsOf<Wide> floors = batch.singles
                                                      ? floor().at(sn_lo, cs_lo, elbows)
                                                      : floor().over(sn_lo, cs_lo, sn_hi, cs_hi, width, elbows);

@@ -107,9 +107,9 @@ template <class V>
 // Up to this size the three-part reduction by multiples of pi/2 keeps full single precision.
 constexpr float kReducible = 8192.0f;
 
-// sin and cos of every lane.
+// sin and cos of every lane, for arguments within kReducible.
 template <class V>
-inline void sincos(V x, V& s, V& c) {
+inline void sincos_reducible(V x, V& s, V& c) {
     // Round x * 2/pi to the nearest integer k by pushing it into the mantissa's units place;
     // the low bits of that float then hold k mod 4, the quadrant.
     const V round = splat<V>(12582912.0f);  // 1.5 * 2^23
@@ -129,13 +129,19 @@ inline void sincos(V x, V& s, V& c) {
     const MaskOf<V> swap = (quadrant & 1) != 0;
     s = flip_sign(select(swap, cos_r, sin_r), (quadrant & 2) << 30);
     c = flip_sign(select(swap, sin_r, cos_r), ((quadrant + 1) & 2) << 30);
+}
+
+// sin and cos of every lane.
+template <class V>
+inline void sincos(V x, V& s, V& c) {
+    sincos_reducible(x, s, c);
     const MaskOf<V> outside = ~(abs(x) <= splat<V>(kReducible));
     if (any(outside)) sincos_by_library(x, outside, s, c);
 }
 
-// atan2(y, x) of every lane, with the C library's signs for zeros.
+// atan2(y, x) of every lane of finite y and x, with the C library's signs for zeros.
 template <class V>
-inline V atan2(V y, V x) {
+inline V atan2_finite(V y, V x) {
     const V ay = abs(y), ax = abs(x);
     const MaskOf<V> steep = ay > ax;
     const V lo = select(steep, ax, ay), hi = select(steep, ay, ax);
@@ -150,7 +156,14 @@ inline V atan2(V y, V x) {
     a = select(upper, a + splat<V>(0.785398163397448f), a);
     a = select(steep, splat<V>(1.57079632679490f) - a, a);
     a = select(sign_bit(x) != 0, splat<V>(3.14159265358979f) - a, a);
-    a = flip_sign(a, sign_bit(y));
+    return flip_sign(a, sign_bit(y));
+}
+
+// atan2(y, x) of every lane, with the C library's signs for zeros.
+template <class V>
+inline V atan2(V y, V x) {
+    V a = atan2_finite(y, x);
+    const V ay = abs(y), ax = abs(x);
     const MaskOf<V> special =
         ~((ax <= splat<V>(3.4e38f)) & (ay <= splat<V>(3.4e38f)));  // infinities and NaNs
     if (any(special)) atan2_by_library(y, x, special, a);
