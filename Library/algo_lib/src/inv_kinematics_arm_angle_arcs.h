@@ -115,8 +115,8 @@ ArcEnd<V> arc_end(const ArcEntries& m, const ArcForms& f, V sn, V cs) {
     e.z = entry(k22);
     e.dz = m[k22][0] * cs - m[k22][1] * sn;
     const V sb = lanes::sqrt(r02 * r02 + r12 * r12);
-    e.b = algo::lanes::atan2_finite(sb, e.z);
-    const V a = algo::lanes::atan2_finite(r12, r02), c = algo::lanes::atan2_finite(r21, -r20);
+    e.b = lanes::atan2_finite(sb, e.z);
+    const V a = lanes::atan2_finite(r12, r02), c = lanes::atan2_finite(r21, -r20);
     e.angle[kArcA] = a;
     e.angle[kArcC] = c;
     e.angle[kArcSum] = within_half_turn(a + c);

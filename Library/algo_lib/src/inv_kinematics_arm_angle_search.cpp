@@ -407,9 +407,9 @@ private:
         }
         // Grid arm angles are within a few turns: no lane needs the library's reduction.
         Wide sn_lo, cs_lo;
-        algo::lanes::sincos_reducible(lo, sn_lo, cs_lo);
+        lanes::sincos_reducible(lo, sn_lo, cs_lo);
         Wide sn_hi, cs_hi;
-        if (!batch.singles) algo::lanes::sincos_reducible(hi, sn_hi, cs_hi);
+        if (!batch.singles) lanes::sincos_reducible(hi, sn_hi, cs_hi);
         const CostFloor::FloorsOf<Wide> floors = batch.singles
                                                      ? floor().at(sn_lo, cs_lo, elbows)
                                                      : floor().over(sn_lo, cs_lo, sn_hi, cs_hi, width, elbows);

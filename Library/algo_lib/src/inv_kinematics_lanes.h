@@ -23,10 +23,12 @@ using algo::lanes::splat;
 // The plain lane functions under the same name here, for code that uses both sets.
 using algo::lanes::abs;
 using algo::lanes::atan2;
+using algo::lanes::atan2_finite;
 using algo::lanes::max;
 using algo::lanes::min;
 using algo::lanes::select;
 using algo::lanes::sincos;
+using algo::lanes::sincos_reducible;
 using algo::lanes::sqrt;
 using D2 = double __attribute__((vector_size(16)));
 using L2 = int64_t __attribute__((vector_size(16)));
