@@ -121,9 +121,24 @@ struct BranchLanes {
     MiddleSines sines;
 };
 
+// What the branches at every arm angle of a target share: the mapping of the extraction's lanes
+// to joints, joint 4 of each elbow sign and the reference's joints 1 and 5.
+struct BranchTerms {
+    lanes::JointLanes joints[3];  // joints (i+1, i+1, i+5, i+5)
+    lanes::F4 joint4;
+    lanes::F4 a_ref;
+
+    BranchTerms(const SolveInput& in, const ArmAngleTarget& t, const float* theta_ref) {
+        // Joints per angle of the extraction, in the lanes' order.
+        static constexpr int kJoints[3][4] = {{0, 0, 4, 4}, {1, 1, 5, 5}, {2, 2, 6, 6}};
+        for (int k = 0; k < 3; ++k) joints[k] = lanes::joint_lanes(in, kJoints[k]);
+        joint4 = lanes::F4{joint_value(in, 3, t.elbow[0].t4), joint_value(in, 3, t.elbow[1].t4), 0.0f, 0.0f};
+        a_ref = lanes::F4{theta_ref[0], theta_ref[0], theta_ref[4], theta_ref[4]};
+    }
+};
+
 // The branches at the arm angle whose sine and cosine are sn and cs.
-inline BranchLanes branch_lanes(const SolveInput& in, const ArmAngleTarget& t, const float* theta_ref, float sn,
-                                float cs) {
+inline BranchLanes branch_lanes(const BranchTerms& terms, const ArmAngleTarget& t, float sn, float cs) {
     BranchLanes out;
     // Four Z-Y-Z extractions in one pass, lanes: shoulder of elbow sign 0, of sign 1, wrist of
     // sign 0, of sign 1.
@@ -137,17 +152,14 @@ inline BranchLanes branch_lanes(const SolveInput& in, const ArmAngleTarget& t, c
     for (int i = 0; i < 3; ++i) {
         for (int j = 0; j < 3; ++j) r[i][j] = lanes::F4{rot[0][i][j], rot[1][i][j], wrist_rot[0][i][j], wrist_rot[1][i][j]};
     }
-    const lanes::Zyz z = lanes::zyz_angles(r, lanes::F4{theta_ref[0], theta_ref[0], theta_ref[4], theta_ref[4]});
-    // Joints per angle of the extraction, in the lanes' order.
-    static constexpr int kJoints[3][4] = {{0, 0, 4, 4}, {1, 1, 5, 5}, {2, 2, 6, 6}};
+    const lanes::Zyz z = lanes::zyz_angles(r, terms.a_ref);
     const lanes::F4 first[3] = {z.a, z.b, z.c};
     const lanes::F4 twin[3] = {z.a + lanes::splat(kPi), -z.b, z.c + lanes::splat(kPi)};
     for (int k = 0; k < 3; ++k) {
-        const lanes::JointLanes joints = lanes::joint_lanes(in, kJoints[k]);
-        out.joint[0][k] = lanes::joint_values(joints, first[k]);
-        out.joint[1][k] = lanes::joint_values(joints, twin[k]);
+        out.joint[0][k] = lanes::joint_values(terms.joints[k], first[k]);
+        out.joint[1][k] = lanes::joint_values(terms.joints[k], twin[k]);
     }
-    out.joint4 = lanes::F4{joint_value(in, 3, t.elbow[0].t4), joint_value(in, 3, t.elbow[1].t4), 0.0f, 0.0f};
+    out.joint4 = terms.joint4;
     for (int e = 0; e < 2; ++e) {
         out.sines.shoulder[e] = z.sin_b[e];
         out.sines.wrist[e] = z.sin_b[2 + e];
@@ -190,7 +202,7 @@ inline MiddleSines branches_at(const SolveInput& in, const ArmAngleTarget& t, co
                                IkSolve& out, int elbows = kBothElbows) {
     lanes::F4 sines_of, cosines_of;
     lanes::sincos(lanes::splat(psi), sines_of, cosines_of);
-    const BranchLanes b = branch_lanes(in, t, theta_ref, sines_of[0], cosines_of[0]);
+    const BranchLanes b = branch_lanes(BranchTerms(in, t, theta_ref), t, sines_of[0], cosines_of[0]);
     write_branches(in, b, elbows, out);
     MiddleSines sines{};
     for (int e = 0; e < 2; ++e) {

@@ -96,7 +96,7 @@ inline double set_cost(const BranchCosts& c, int elbows) {
             best = lanes::choose(lanes::both(lanes::both(within, asked), v < best), v, best);
         }
     }
-    const double lowest = std::fmin(best[0], best[1]);
+    const double lowest = best[1] < best[0] ? best[1] : best[0];
     return lowest < kCeiling ? lowest : INFINITY;
 }
 

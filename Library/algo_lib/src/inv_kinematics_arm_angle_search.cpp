@@ -196,13 +196,14 @@ public:
           t_(t),
           out_(out),
           theta_ref_(reference_of(in)),
+          terms_(in, t, theta_ref_.data()),
           ref_(in),
           psi0_(reference_arm_angle(t, theta_ref_.data())) {}
 
     int run(int strategy, float range) {
         lanes::F4 sn, cs;
         lanes::sincos(lanes::splat(psi0_), sn, cs);
-        const BranchLanes at_ref = branch_lanes(in_, t_, theta_ref_.data(), sn[0], cs[0]);
+        const BranchLanes at_ref = branch_lanes(terms_, t_, sn[0], cs[0]);
         const BranchCosts costs = branch_costs(at_ref, ref_);
         take(at_ref, costs);
         const double cost = set_cost(costs, kBothElbows);
@@ -457,7 +458,7 @@ private:
             }
         }
         if (lowest == INFINITY) return INFINITY;
-        return set_cost(branch_costs(branch_lanes(in_, t_, theta_ref_.data(), sn, cs), ref_), kBothElbows);
+        return set_cost(branch_costs(branch_lanes(terms_, t_, sn, cs), ref_), kBothElbows);
     }
 
     // The set at psi becomes the answer when its best branch is nearer, or as near and reached
@@ -474,7 +475,7 @@ private:
     void evaluate_among(float sn, float cs, int elbows, int order) {
         candidate_elbows_ = elbows;
         if (elbows == 0) return;  // nothing there within the limits
-        candidate_ = branch_lanes(in_, t_, theta_ref_.data(), sn, cs);
+        candidate_ = branch_lanes(terms_, t_, sn, cs);
         candidate_costs_ = branch_costs(candidate_, ref_);
         const double cost = set_cost(candidate_costs_, elbows);
         if (cost < best_ || (cost == best_ && order < best_order_)) {
@@ -511,7 +512,7 @@ private:
             BranchIndex nearest;
             if (candidate_elbows_ == 0 || !nearest_branch(candidate_costs_, candidate_elbows_, nearest)) continue;
             const int last = kLast[k];
-            const float left = std::remainder(joint_of(candidate_, nearest, last) - in_.q_ref[last], kTwoPi);
+            const float left = remainder_turn(joint_of(candidate_, nearest, last) - in_.q_ref[last]);
             const float equal = 0.5f * left;
             const float within = share_within_limits(k, left, equal);
             float shared[4];
@@ -558,6 +559,7 @@ private:
     const ArmAngleTarget& t_;
     IkSolve& out_;
     std::array<float, ROBOT_DOF> theta_ref_;
+    BranchTerms terms_;
     ReferenceLanes ref_;
     std::optional<CostFloor> floor_;
     std::optional<MiddleJointFilter> middle_;
