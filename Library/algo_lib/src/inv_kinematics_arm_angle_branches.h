@@ -121,18 +121,33 @@ struct BranchLanes {
     MiddleSines sines;
 };
 
-// What the branches at every arm angle of a target share: the mapping of the extraction's lanes
-// to joints, joint 4 of each elbow sign and the reference's joints 1 and 5.
+// What the branches at every arm angle of a target share: the shoulder's terms and joint 4's
+// sine and cosine in lanes (elbow sign 0, 1, 0, 1), the mapping of the extraction's lanes to
+// joints, joint 4 of each elbow sign and the reference's joints 1 and 5.
 struct BranchTerms {
+    lanes::F4 shoulder[3][3][3];  // [sin, cos, constant term][row][column]
+    lanes::F4 c4, s4;
     lanes::JointLanes joints[3];  // joints (i+1, i+1, i+5, i+5)
     lanes::F4 joint4;
     lanes::F4 a_ref;
 
     BranchTerms(const SolveInput& in, const ArmAngleTarget& t, const float* theta_ref) {
+        const ElbowBranch& e0 = t.elbow[0];
+        const ElbowBranch& e1 = t.elbow[1];
+        const auto pair = [](float a, float b) { return lanes::F4{a, b, a, b}; };
+        for (int i = 0; i < 3; ++i) {
+            for (int j = 0; j < 3; ++j) {
+                shoulder[0][i][j] = pair(e0.shoulder_sin[i][j], e1.shoulder_sin[i][j]);
+                shoulder[1][i][j] = pair(e0.shoulder_cos[i][j], e1.shoulder_cos[i][j]);
+                shoulder[2][i][j] = pair(e0.shoulder_const[i][j], e1.shoulder_const[i][j]);
+            }
+        }
+        c4 = pair(e0.c4, e1.c4);
+        s4 = pair(e0.s4, e1.s4);
         // Joints per angle of the extraction, in the lanes' order.
         static constexpr int kJoints[3][4] = {{0, 0, 4, 4}, {1, 1, 5, 5}, {2, 2, 6, 6}};
         for (int k = 0; k < 3; ++k) joints[k] = lanes::joint_lanes(in, kJoints[k]);
-        joint4 = lanes::F4{joint_value(in, 3, t.elbow[0].t4), joint_value(in, 3, t.elbow[1].t4), 0.0f, 0.0f};
+        joint4 = lanes::F4{joint_value(in, 3, e0.t4), joint_value(in, 3, e1.t4), 0.0f, 0.0f};
         a_ref = lanes::F4{theta_ref[0], theta_ref[0], theta_ref[4], theta_ref[4]};
     }
 };
@@ -140,17 +155,27 @@ struct BranchTerms {
 // The branches at the arm angle whose sine and cosine are sn and cs.
 inline BranchLanes branch_lanes(const BranchTerms& terms, const ArmAngleTarget& t, float sn, float cs) {
     BranchLanes out;
+    // The shoulder of both elbow signs, twice, as blend() works it out, and from it their wrists
+    // as wrist_rotation() does, each lane with the same operations as the one matrix entry.
+    lanes::F4 rot[3][3];
+    for (int i = 0; i < 3; ++i) {
+        for (int j = 0; j < 3; ++j) {
+            rot[i][j] = terms.shoulder[0][i][j] * lanes::splat(sn) + terms.shoulder[1][i][j] * lanes::splat(cs) +
+                        terms.shoulder[2][i][j];
+        }
+    }
     // Four Z-Y-Z extractions in one pass, lanes: shoulder of elbow sign 0, of sign 1, wrist of
     // sign 0, of sign 1.
-    Mat3 rot[2], wrist_rot[2];
-    for (int e = 0; e < 2; ++e) {
-        const ElbowBranch& b = t.elbow[e];
-        blend(b.shoulder_sin, b.shoulder_cos, b.shoulder_const, sn, cs, rot[e]);
-        wrist_rotation(b, rot[e], t.rotation, wrist_rot[e]);
-    }
+    const Mat3& rotation = t.rotation;
     lanes::Mat3x4 r;
-    for (int i = 0; i < 3; ++i) {
-        for (int j = 0; j < 3; ++j) r[i][j] = lanes::F4{rot[0][i][j], rot[1][i][j], wrist_rot[0][i][j], wrist_rot[1][i][j]};
+    for (int j = 0; j < 3; ++j) {
+        lanes::F4 m[3];
+        for (int i = 0; i < 3; ++i) {
+            m[i] = rot[0][i] * lanes::splat(rotation[0][j]) + rot[1][i] * lanes::splat(rotation[1][j]) +
+                   rot[2][i] * lanes::splat(rotation[2][j]);
+        }
+        const lanes::F4 wrist[3] = {terms.c4 * m[0] - terms.s4 * m[2], m[1], terms.s4 * m[0] + terms.c4 * m[2]};
+        for (int i = 0; i < 3; ++i) r[i][j] = __builtin_shufflevector(rot[i][j], wrist[i], 0, 1, 6, 7);
     }
     const lanes::Zyz z = lanes::zyz_angles(r, terms.a_ref);
     const lanes::F4 first[3] = {z.a, z.b, z.c};
