@@ -123,11 +123,12 @@ struct BranchLanes {
 
 // What the branches at every arm angle of a target share: the shoulder's terms and joint 4's
 // sine and cosine in lanes (elbow sign 0, 1, 0, 1), the mapping of the extraction's lanes to
-// joints, joint 4 of each elbow sign and the reference's joints 1 and 5.
+// joints (in doubles of D's width), joint 4 of each elbow sign and the reference's joints 1 and 5.
+template <class D = lanes::D2>
 struct BranchTerms {
     lanes::F4 shoulder[3][3][3];  // [sin, cos, constant term][row][column]
     lanes::F4 c4, s4;
-    lanes::JointLanes joints[3];  // joints (i+1, i+1, i+5, i+5)
+    lanes::JointLanesOf<D> joints[3];  // joints (i+1, i+1, i+5, i+5)
     lanes::F4 joint4;
     lanes::F4 a_ref;
 
@@ -146,14 +147,15 @@ struct BranchTerms {
         s4 = pair(e0.s4, e1.s4);
         // Joints per angle of the extraction, in the lanes' order.
         static constexpr int kJoints[3][4] = {{0, 0, 4, 4}, {1, 1, 5, 5}, {2, 2, 6, 6}};
-        for (int k = 0; k < 3; ++k) joints[k] = lanes::joint_lanes(in, kJoints[k]);
+        for (int k = 0; k < 3; ++k) joints[k] = lanes::joint_lanes<D>(in, kJoints[k]);
         joint4 = lanes::F4{joint_value(in, 3, e0.t4), joint_value(in, 3, e1.t4), 0.0f, 0.0f};
         a_ref = lanes::F4{theta_ref[0], theta_ref[0], theta_ref[4], theta_ref[4]};
     }
 };
 
 // The branches at the arm angle whose sine and cosine are sn and cs.
-inline BranchLanes branch_lanes(const BranchTerms& terms, const ArmAngleTarget& t, float sn, float cs) {
+template <class D>
+inline BranchLanes branch_lanes(const BranchTerms<D>& terms, const ArmAngleTarget& t, float sn, float cs) {
     BranchLanes out;
     // The shoulder of both elbow signs, twice, as blend() works it out, and from it their wrists
     // as wrist_rotation() does, each lane with the same operations as the one matrix entry.
@@ -227,7 +229,7 @@ inline MiddleSines branches_at(const SolveInput& in, const ArmAngleTarget& t, co
                                IkSolve& out, int elbows = kBothElbows) {
     lanes::F4 sines_of, cosines_of;
     lanes::sincos(lanes::splat(psi), sines_of, cosines_of);
-    const BranchLanes b = branch_lanes(BranchTerms(in, t, theta_ref), t, sines_of[0], cosines_of[0]);
+    const BranchLanes b = branch_lanes(BranchTerms<>(in, t, theta_ref), t, sines_of[0], cosines_of[0]);
     write_branches(in, b, elbows, out);
     MiddleSines sines{};
     for (int e = 0; e < 2; ++e) {

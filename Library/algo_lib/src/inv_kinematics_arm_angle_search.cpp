@@ -12,6 +12,7 @@
 #include <cmath>
 #include <initializer_list>
 #include <optional>
+#include <type_traits>
 
 #include "inv_kinematics_arm_angle.h"
 #include "inv_kinematics_arm_angle_branches.h"
@@ -204,7 +205,7 @@ public:
         lanes::F4 sn, cs;
         lanes::sincos(lanes::splat(psi0_), sn, cs);
         const BranchLanes at_ref = branch_lanes(terms_, t_, sn[0], cs[0]);
-        const BranchCosts costs = branch_costs(at_ref, ref_);
+        const BranchCosts<Doubles> costs = branch_costs<Doubles>(at_ref, ref_);
         take(at_ref, costs);
         const double cost = set_cost(costs, kBothElbows);
         const int own = theta_ref_[3] >= 0.0f ? 0 : 1;
@@ -311,6 +312,8 @@ private:
     }
 
     static constexpr int kLanes = lanes::kLanesOf<Wide>;
+    // The branches' joints and costs in doubles as wide as the build's registers.
+    using Doubles = std::conditional_t<kLanes == 8, lanes::D4, lanes::D2>;
     static constexpr int kMaxSteps = static_cast<int>(Q_STEP_MAX / Q_STEP_MIN) + 1;
     // A root splits into a pass's worth of runs, each of them into a pass's worth of arm angles.
     static constexpr int kRootRun = kLanes * kLanes;  // steps
@@ -458,7 +461,7 @@ private:
             }
         }
         if (lowest == INFINITY) return INFINITY;
-        return set_cost(branch_costs(branch_lanes(terms_, t_, sn, cs), ref_), kBothElbows);
+        return set_cost(branch_costs<Doubles>(branch_lanes(terms_, t_, sn, cs), ref_), kBothElbows);
     }
 
     // The set at psi becomes the answer when its best branch is nearer, or as near and reached
@@ -476,7 +479,7 @@ private:
         candidate_elbows_ = elbows;
         if (elbows == 0) return;  // nothing there within the limits
         candidate_ = branch_lanes(terms_, t_, sn, cs);
-        candidate_costs_ = branch_costs(candidate_, ref_);
+        candidate_costs_ = branch_costs<Doubles>(candidate_, ref_);
         const double cost = set_cost(candidate_costs_, elbows);
         if (cost < best_ || (cost == best_ && order < best_order_)) {
             best_ = cost;
@@ -486,7 +489,7 @@ private:
     }
 
     // The set of b becomes the answer, with every branch of its arm angle.
-    void take(const BranchLanes& b, const BranchCosts& costs) {
+    void take(const BranchLanes& b, const BranchCosts<Doubles>& costs) {
         write_branches(in_, b, kBothElbows, out_);
         own_within_ = near_branch_within_limits(b, costs, ref_, kOwnBranch);
     }
@@ -559,7 +562,7 @@ private:
     const ArmAngleTarget& t_;
     IkSolve& out_;
     std::array<float, ROBOT_DOF> theta_ref_;
-    BranchTerms terms_;
+    BranchTerms<Doubles> terms_;
     ReferenceLanes ref_;
     std::optional<CostFloor> floor_;
     std::optional<MiddleJointFilter> middle_;
@@ -572,7 +575,7 @@ private:
     bool own_within_ = false;  // the answer holds the reference's own branch, within the limits
     // The last set looked at, for the elbow signs in candidate_elbows_ (none: no set).
     BranchLanes candidate_;
-    BranchCosts candidate_costs_;
+    BranchCosts<Doubles> candidate_costs_;
     int candidate_elbows_ = 0;
     std::array<GridBlock, kMaxBlocks> grid_;
     std::array<bool, kMaxBlocks> ready_{};
