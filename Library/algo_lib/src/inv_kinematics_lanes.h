@@ -128,14 +128,14 @@ inline Zyz zyz_angles(const Mat3x4 r, F4 a_ref) {
 // Four doubles, for code built for 256-bit registers; their mask functions are templates, made
 // only where such code uses them.
 using D4 = double __attribute__((vector_size(32)));
-using L4 = int64_t __attribute__((vector_size(32)));
+using algo::lanes::L4;
 template <class M>
 inline M both(M a, M b) {
     return a & b;
 }
 template <class M, class D>
 inline D choose(M mask, D yes, D no) {
-    return mask != 0 ? yes : no;
+    return mask ? yes : no;
 }
 
 // Lanes of double precision D holds.
