@@ -164,6 +164,7 @@ inline bool nearest_branch(const BranchCosts<D>& c, int elbows, BranchIndex& nea
     std::memcpy(cost, c.cost, sizeof cost);
     double best = INFINITY;
     bool found = false;
+    nearest = {};
     for (int e = 0; e < 2; ++e) {
         if ((elbows & (1 << e)) == 0) continue;
         for (int k = 0; k < 2; ++k) {
