@@ -1,6 +1,6 @@
 // The seven-joint search judges the branches at an arm angle from their lanes: its cost of a set
 // must be the selection's to the bit (strategies and builds must agree on ties), its nearest branch
-// and its test for the reference's own branch those a walk over the rows finds.
+// its test for the reference's own branch and its pick those a walk over the rows finds.
 
 #include <gtest/gtest.h>
 
@@ -67,6 +67,12 @@ TEST(ArmAngleCosts, SetCostNearestAndOwnBranchAgreeWithTheRows) {
                 }
                 IkSolve set;
                 write_branches(in, b, kBothElbows, set);
+                EXPECT_EQ(selected_branch(costs), select_solution(kUnitWeights, set, in.dof, in.limits, nullptr)) << i;
+                for (int r = 0; r < set.num; ++r) {
+                    float row[ROBOT_DOF];
+                    branch_row(b, r, row);
+                    EXPECT_EQ(std::memcmp(row, set.q_solve[r], sizeof row), 0) << i << " row " << r;
+                }
                 bool own = false;
                 for (int r = 0; r < set.num; ++r) {
                     bool near = within_limits(set.q_solve[r], in.dof, in.limits);

@@ -156,33 +156,57 @@ struct BranchIndex {
     int elbow, shoulder, wrist;
 };
 
-// The branch of the elbow signs in elbows nearest the reference, limits aside, the first in the
-// set's order on a tie; false when no cost is below infinity.
+namespace costs_detail {
+
+// The index in the set of the cheapest branch of the elbow signs in elbows costing less than
+// below, within the limits or not as asked, the first in the set's order on a tie; -1 when none is.
 template <class D>
-inline bool nearest_branch(const BranchCosts<D>& c, int elbows, BranchIndex& nearest) {
+inline int cheapest_branch(const BranchCosts<D>& c, int elbows, double below, bool within_limits) {
     double cost[2][2][2];  // [m][k][e]
     std::memcpy(cost, c.cost, sizeof cost);
-    double best = INFINITY;
-    bool found = false;
-    nearest = {};
+    int chosen = -1;
     for (int e = 0; e < 2; ++e) {
         if ((elbows & (1 << e)) == 0) continue;
         for (int k = 0; k < 2; ++k) {
             for (int m = 0; m < 2; ++m) {
-                if (cost[m][k][e] < best) {
-                    best = cost[m][k][e];
-                    nearest = {e, k, m};
-                    found = true;
+                const bool within = c.within[k][e] && c.within[m][2 + e];
+                if ((within || !within_limits) && cost[m][k][e] < below) {
+                    below = cost[m][k][e];
+                    chosen = e * 4 + k * 2 + m;
                 }
             }
         }
     }
-    return found;
+    return chosen;
+}
+
+}  // namespace costs_detail
+
+// The branch of the elbow signs in elbows nearest the reference, limits aside, the first in the
+// set's order on a tie; false when no cost is below infinity.
+template <class D>
+inline bool nearest_branch(const BranchCosts<D>& c, int elbows, BranchIndex& nearest) {
+    const int index = costs_detail::cheapest_branch(c, elbows, INFINITY, false);
+    nearest = index < 0 ? BranchIndex{} : BranchIndex{index / 4, (index / 2) % 2, index % 2};
+    return index >= 0;
+}
+
+// The branch select_solution picks from the set of both elbow signs, by its index there: the
+// cheapest within the limits below the selection's ceiling, the first on a tie; -1 when none is.
+template <class D>
+inline int selected_branch(const BranchCosts<D>& c) {
+    return costs_detail::cheapest_branch(c, kBothElbows, costs_detail::kCeiling, true);
 }
 
 // Joint j (0-based, not joint 4) of a branch.
 inline float joint_of(const BranchLanes& b, const BranchIndex& at, int j) {
     return j < 3 ? b.joint[at.shoulder][j][at.elbow] : b.joint[at.wrist][j - 4][2 + at.elbow];
+}
+
+// Branch index of the set of both elbow signs as write_branches writes its row (ROBOT_DOF values).
+inline void branch_row(const BranchLanes& b, int index, float* row) {
+    const BranchIndex at = {index / 4, (index / 2) % 2, index % 2};
+    for (int j = 0; j < ROBOT_DOF; ++j) row[j] = j == 3 ? b.joint4[at.elbow] : j < 7 ? joint_of(b, at, j) : 0.0f;
 }
 
 // True when a branch of either elbow sign within the limits is within `near` (rad) of the

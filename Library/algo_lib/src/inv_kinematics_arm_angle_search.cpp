@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstring>
 #include <initializer_list>
 #include <optional>
 #include <type_traits>
@@ -189,19 +190,35 @@ std::array<float, ROBOT_DOF> reference_of(const SolveInput& in) {
     return theta;
 }
 
+// The branches at the arm angle the search settled on, and the one the selection picks among them.
+struct SearchAnswer {
+    bool found = false;  // false: the target is out of reach
+    int chosen = -1;     // the selection's branch, by its index in the set; -1: none within the limits
+    BranchLanes branches;
+};
+
 template <class Wide>
 class ArmAngleSearch {
 public:
-    ArmAngleSearch(const SolveInput& in, const ArmAngleTarget& t, IkSolve& out)
+    ArmAngleSearch(const SolveInput& in, const ArmAngleTarget& t)
         : in_(in),
           t_(t),
-          out_(out),
           theta_ref_(reference_of(in)),
           terms_(in, t, theta_ref_.data()),
           ref_(in),
           psi0_(reference_arm_angle(t, theta_ref_.data())) {}
 
-    int run(int strategy, float range) {
+    SearchAnswer run(int strategy, float range) {
+        search(strategy, range);
+        SearchAnswer answer;
+        answer.found = true;
+        answer.chosen = selected_branch(answer_costs_);
+        answer.branches = answer_;
+        return answer;
+    }
+
+private:
+    void search(int strategy, float range) {
         lanes::F4 sn, cs;
         lanes::sincos(lanes::splat(psi0_), sn, cs);
         const BranchLanes at_ref = branch_lanes(terms_, t_, sn[0], cs[0]);
@@ -217,7 +234,7 @@ public:
                 if (near[k]) try_singular(k, psi0_, kSingularWindow);
             }
         }
-        if (strategy == 0 && own_within_) return out_.num;
+        if (strategy == 0 && own_within_) return;
         if (!near[0] && !near[1]) best_ = cost;
         // Leaving the reference's arm angle: first wherever in the range the shoulder or wrist
         // can keep the reference's outer joints, then the grid.
@@ -228,10 +245,8 @@ public:
         } else {
             walk(steps);
         }
-        return out_.num;
     }
 
-private:
     // Every step of the grid in turn, both sides.
     void walk(int steps) {
         const int blocks = (steps + 1) / 2;
@@ -490,7 +505,8 @@ private:
 
     // The set of b becomes the answer, with every branch of its arm angle.
     void take(const BranchLanes& b, const BranchCosts<Doubles>& costs) {
-        write_branches(in_, b, kBothElbows, out_);
+        answer_ = b;
+        answer_costs_ = costs;
         own_within_ = near_branch_within_limits(b, costs, ref_, kOwnBranch);
     }
 
@@ -560,7 +576,6 @@ private:
 
     const SolveInput& in_;
     const ArmAngleTarget& t_;
-    IkSolve& out_;
     std::array<float, ROBOT_DOF> theta_ref_;
     BranchTerms<Doubles> terms_;
     ReferenceLanes ref_;
@@ -573,6 +588,9 @@ private:
     int best_order_ = 0;         // walk_order of the answer's arm angle
     double ceiling_ = INFINITY;  // the cost of some grid arm angle
     bool own_within_ = false;  // the answer holds the reference's own branch, within the limits
+    // The answer so far, every branch of its arm angle.
+    BranchLanes answer_;
+    BranchCosts<Doubles> answer_costs_;
     // The last set looked at, for the elbow signs in candidate_elbows_ (none: no set).
     BranchLanes candidate_;
     BranchCosts<Doubles> candidate_costs_;
@@ -585,19 +603,18 @@ private:
 // baseline instruction set and, for processors that have them, with AVX2 and fused multiply-adds,
 // which the floors gain most from, eight lanes at a time; the target and its branches come inline
 // with it. The first call chooses.
-using Search = int (*)(const SolveInput&, const Matrix&, IkSolve&, int, float);
+using Search = SearchAnswer (*)(const SolveInput&, const Matrix&, int, float);
 
-[[gnu::flatten]] int search_baseline(const SolveInput& in, const Matrix& flange, IkSolve& out, int strategy,
-                                     float range) {
+[[gnu::flatten]] SearchAnswer search_baseline(const SolveInput& in, const Matrix& flange, int strategy, float range) {
     const ArmAngleTarget t = arm_angle_target(in.dh, flange, in.reach_tol);
-    return t.reachable ? ArmAngleSearch<lanes::F4>(in, t, out).run(strategy, range) : 0;
+    return t.reachable ? ArmAngleSearch<lanes::F4>(in, t).run(strategy, range) : SearchAnswer{};
 }
 
 #if defined(__x86_64__)
-__attribute__((target("avx2,fma"), flatten)) int search_fma(const SolveInput& in, const Matrix& flange,
-                                                            IkSolve& out, int strategy, float range) {
+__attribute__((target("avx2,fma"), flatten)) SearchAnswer search_fma(const SolveInput& in, const Matrix& flange,
+                                                                     int strategy, float range) {
     const ArmAngleTarget t = arm_angle_target(in.dh, flange, in.reach_tol);
-    return t.reachable ? ArmAngleSearch<lanes::F8>(in, t, out).run(strategy, range) : 0;
+    return t.reachable ? ArmAngleSearch<lanes::F8>(in, t).run(strategy, range) : SearchAnswer{};
 }
 #endif
 
@@ -612,12 +629,28 @@ Search chosen_search() {
     return chosen;
 }
 
+SearchAnswer search(const SolveInput& in, const Matrix& flange) {
+    return chosen_search()(in, flange, ikine_get_7dof_solver_search_strategy(), ikine_get_solution_range_qm75());
+}
+
 }  // namespace
 
 int solve_arm_angle_search(const SolveInput& in, const Matrix& flange, IkSolve& out) {
     begin_solutions(in, out);
-    return chosen_search()(in, flange, out, ikine_get_7dof_solver_search_strategy(),
-                           ikine_get_solution_range_qm75());
+    const SearchAnswer answer = search(in, flange);
+    if (answer.found) write_branches(in, answer.branches, kBothElbows, out);
+    return out.num;
+}
+
+// The selection's pick among the set solve_arm_angle_search gives, without writing the set out.
+int nearest_arm_angle_search(const SolveInput& in, const Matrix& flange, float* q_out) {
+    const SearchAnswer answer = search(in, flange);
+    if (!answer.found) return IKINE_FAILED;
+    if (answer.chosen < 0) return IKINE_LIMITED;
+    float row[ROBOT_DOF];
+    branch_row(answer.branches, answer.chosen, row);
+    std::memcpy(q_out, row, sizeof(float) * static_cast<size_t>(in.dof));
+    return IKINE_SUCCESSFUL;
 }
 
 }  // namespace algo::ik

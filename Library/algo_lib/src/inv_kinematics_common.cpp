@@ -124,7 +124,7 @@ ModelSolver model_solver(int robot_type) {
         case QM75:
         case TAV72:
         case TAV72II:
-            return {solve_arm_angle_search, 7, shape};
+            return {solve_arm_angle_search, 7, shape, nearest_arm_angle_search};
         default:
             return {nullptr, 0, shape};
     }

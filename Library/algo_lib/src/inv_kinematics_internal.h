@@ -54,6 +54,7 @@ int solve_parallel_axes(const SolveInput& in, const Matrix& flange, IkSolve& out
 int solve_arm_angle_search(const SolveInput& in, const Matrix& flange, IkSolve& out);
 int nearest_spherical_wrist(const SolveInput& in, const Matrix& flange, float* q_out);         // QM65
 int nearest_spherical_wrist_offset(const SolveInput& in, const Matrix& flange, float* q_out);  // QML63
+int nearest_arm_angle_search(const SolveInput& in, const Matrix& flange, float* q_out);
 
 // Solver, joint count and table shape of a robot type; solver is null for types without one.
 // nearest, where a model has it, finds the selection's branch without forming every branch.
