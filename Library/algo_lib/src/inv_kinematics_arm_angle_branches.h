@@ -179,7 +179,7 @@ inline BranchLanes branch_lanes(const BranchTerms<D>& terms, const ArmAngleTarge
         const lanes::F4 wrist[3] = {terms.c4 * m[0] - terms.s4 * m[2], m[1], terms.s4 * m[0] + terms.c4 * m[2]};
         for (int i = 0; i < 3; ++i) r[i][j] = __builtin_shufflevector(rot[i][j], wrist[i], 0, 1, 6, 7);
     }
-    const lanes::Zyz z = lanes::zyz_angles(r, terms.a_ref);
+    const lanes::Zyz z = lanes::zyz_angles<lanes::kWidthOf<D> == 4>(r, terms.a_ref);
     const lanes::F4 first[3] = {z.a, z.b, z.c};
     const lanes::F4 twin[3] = {z.a + lanes::splat(kPi), -z.b, z.c + lanes::splat(kPi)};
     for (int k = 0; k < 3; ++k) {

@@ -33,10 +33,10 @@ using algo::lanes::sqrt;
 using D2 = double __attribute__((vector_size(16)));
 using L2 = int64_t __attribute__((vector_size(16)));
 
-inline F4 bits_as_float(I4 v) { return reinterpret_cast<F4>(v); }
-inline I4 float_bits(F4 v) { return reinterpret_cast<I4>(v); }
-inline F4 copy_sign(F4 magnitude, F4 sign) {
-    return bits_as_float((float_bits(magnitude) & INT32_MAX) | (float_bits(sign) & INT32_MIN));
+template <class V>
+inline V copy_sign(V magnitude, V sign) {
+    using M = MaskOf<V>;
+    return reinterpret_cast<V>((reinterpret_cast<M>(magnitude) & INT32_MAX) | (reinterpret_cast<M>(sign) & INT32_MIN));
 }
 inline F4 choose(I4 mask, F4 yes, F4 no) { return algo::lanes::select(mask, yes, no); }
 // Masks combined with the instruction set's own and/or where it has them: the compiler otherwise
@@ -58,25 +58,26 @@ inline D2 choose(L2 mask, D2 yes, D2 no) {
 #endif
 }
 
-// fast_atan2 of every lane.
-inline F4 fast_atan2(F4 y, F4 x) {
-    const F4 ax = algo::lanes::abs(x);
-    const F4 ay = algo::lanes::abs(y);
-    const F4 sum = ax + ay;
-    const F4 gap = algo::lanes::abs(ax - ay);
-    const F4 t = (sum - gap) / (sum + gap + splat(1e-30f));
-    const F4 s = t * t;
-    F4 p = splat(0.00276628350176f);
-    p = p * s - splat(0.0157312491222f);
-    p = p * s + splat(0.0421376235892f);
-    p = p * s - splat(0.07456854826f);
-    p = p * s + splat(0.10618370637f);
-    p = p * s - splat(0.141977977941f);
-    p = p * s + splat(0.199918720291f);
-    p = p * s - splat(0.333330367093f);
-    p = p * s + splat(0.999999981789f);
-    const F4 octant = splat(0.25f * kPi) + copy_sign(splat(0.25f * kPi) - t * p, ay - ax - splat(1e-38f));
-    const F4 half = splat(0.5f * kPi) + copy_sign(splat(0.5f * kPi) - octant, -x);
+// fast_atan2 of every lane, four or eight.
+template <class V = F4>
+inline V fast_atan2(V y, V x) {
+    const V ax = algo::lanes::abs(x);
+    const V ay = algo::lanes::abs(y);
+    const V sum = ax + ay;
+    const V gap = algo::lanes::abs(ax - ay);
+    const V t = (sum - gap) / (sum + gap + splat<V>(1e-30f));
+    const V s = t * t;
+    V p = splat<V>(0.00276628350176f);
+    p = p * s - splat<V>(0.0157312491222f);
+    p = p * s + splat<V>(0.0421376235892f);
+    p = p * s - splat<V>(0.07456854826f);
+    p = p * s + splat<V>(0.10618370637f);
+    p = p * s - splat<V>(0.141977977941f);
+    p = p * s + splat<V>(0.199918720291f);
+    p = p * s - splat<V>(0.333330367093f);
+    p = p * s + splat<V>(0.999999981789f);
+    const V octant = splat<V>(0.25f * kPi) + copy_sign(splat<V>(0.25f * kPi) - t * p, ay - ax - splat<V>(1e-38f));
+    const V half = splat<V>(0.5f * kPi) + copy_sign(splat<V>(0.5f * kPi) - octant, -x);
     return copy_sign(half, y);
 }
 
@@ -101,13 +102,23 @@ struct Zyz {
     F4 sin_b;
 };
 
+// Eight: for code built for 256-bit registers, where b and a share one pass of eight lanes.
+template <bool Eight = false>
 inline Zyz zyz_angles(const Mat3x4 r, F4 a_ref) {
     Zyz z;
     const F4 sb = algo::lanes::sqrt(r[0][2] * r[0][2] + r[1][2] * r[1][2]);
-    z.b = fast_atan2(sb, r[2][2]);
     z.sin_b = sb;
     const I4 a_free = sb <= splat(kSingularSin);
-    F4 a = fast_atan2(r[1][2], r[0][2]);
+    F4 a;
+    if constexpr (Eight) {
+        const F8 ba = fast_atan2(__builtin_shufflevector(sb, r[1][2], 0, 1, 2, 3, 4, 5, 6, 7),
+                                 __builtin_shufflevector(r[2][2], r[0][2], 0, 1, 2, 3, 4, 5, 6, 7));
+        z.b = __builtin_shufflevector(ba, ba, 0, 1, 2, 3);
+        a = __builtin_shufflevector(ba, ba, 4, 5, 6, 7);
+    } else {
+        z.b = fast_atan2(sb, r[2][2]);
+        a = fast_atan2(r[1][2], r[0][2]);
+    }
     F4 cos_a = r[0][2] / sb;
     F4 sin_a = r[1][2] / sb;
     if (algo::lanes::any(a_free)) {
