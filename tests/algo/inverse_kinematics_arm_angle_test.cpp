@@ -3,10 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <random>
 #include <string>
+#include <thread>
 #include <utility>
+#include <vector>
 
 #include "inverse_kinematics_test_support.h"
 
@@ -94,6 +97,35 @@ TEST_P(ArmAngle, ReferenceTwoDegreesOffNeverFlipsToAFarBranch) {
         ASSERT_EQ(inverse_kinematics(ref, &pose, out, USE_QUAT), IKINE_SUCCESSFUL);
         ASSERT_LT(ik_test::max_joint_difference(out, ref, 7), 30.0 * DEG2RAD);
     }
+}
+
+TEST_P(ArmAngle, WhatIsKeptOfTheMiddleJointsLimitsFollowsThem) {
+    // The search keeps what it works out of joints 2 and 6's limits between calls: after narrow
+    // ones, the model's own must give what a thread that never saw the narrow ones gives.
+    const auto targets = reference::random_joints_within_limits(100, 3u + GetParam());
+    const auto refs = reference::random_joints_within_limits(100, 4u + GetParam());
+    const auto answers = [&] {
+        std::vector<std::array<float, ROBOT_DOF + 1>> out(targets.size());
+        for (std::size_t i = 0; i < targets.size(); ++i) {
+            const Pose pose = ik_test::pose_of(targets[i].data());
+            out[i][ROBOT_DOF] = static_cast<float>(inverse_kinematics(refs[i].data(), &pose, out[i].data(), USE_QUAT));
+        }
+        return out;
+    };
+    float lo[ROBOT_DOF], hi[ROBOT_DOF], narrow_lo[ROBOT_DOF], narrow_hi[ROBOT_DOF];
+    libalgo_get_jointlim_min(lo);
+    libalgo_get_jointlim_max(hi);
+    std::copy(lo, lo + ROBOT_DOF, narrow_lo);
+    std::copy(hi, hi + ROBOT_DOF, narrow_hi);
+    for (const int j : {1, 5}) narrow_lo[j] = -0.3f, narrow_hi[j] = 0.2f;
+    libalgo_set_jointlim_min(narrow_lo);
+    libalgo_set_jointlim_max(narrow_hi);
+    answers();
+    libalgo_set_jointlim_min(lo);
+    libalgo_set_jointlim_max(hi);
+    decltype(answers()) fresh;
+    std::thread([&] { fresh = answers(); }).join();
+    EXPECT_EQ(answers(), fresh);
 }
 
 TEST_P(ArmAngle, DefaultSearchFindsWhatTheWholeWalkFinds) {

@@ -149,9 +149,29 @@ private:
     };
     static constexpr float kMargin = 1e-4f;
 
+    // The bands of joint j's limits, kept per thread with the limits they came from: those seldom
+    // change, and their cosines would cost a call as much as a few arm angles' branches.
     static bool bands(const SolveInput& in, int j, Band& band) {
-        const float lo = in.limits.min[j], hi = in.limits.max[j];
-        if (in.dh.offset[j] != 0.0f || lo < -kPi || hi > kPi) return false;
+        struct Kept {
+            float lo = NAN, hi = NAN, offset = NAN;  // none kept: never equal
+            bool judged;
+            Band band;
+        };
+        thread_local Kept kept[2];  // joints 2 and 6
+        Kept& k = kept[j == 1 ? 0 : 1];
+        const float lo = in.limits.min[j], hi = in.limits.max[j], offset = in.dh.offset[j];
+        if (lo != k.lo || hi != k.hi || offset != k.offset) {
+            k.judged = work_out_bands(lo, hi, offset, k.band);
+            k.lo = lo;
+            k.hi = hi;
+            k.offset = offset;
+        }
+        band = k.band;
+        return k.judged;
+    }
+
+    static bool work_out_bands(float lo, float hi, float offset, Band& band) {
+        if (offset != 0.0f || lo < -kPi || hi > kPi) return false;
         const float plus[2] = {std::fmax(lo, 0.0f), std::fmin(hi, kPi)};     // b itself
         const float twin[2] = {std::fmax(-hi, 0.0f), std::fmin(-lo, kPi)};  // -b
         for (int k = 0; k < 2; ++k) {
