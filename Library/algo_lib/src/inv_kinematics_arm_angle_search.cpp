@@ -587,12 +587,15 @@ private:
     float share_within_limits(int k, float left, float share) const {
         const int f = kFirst[k], l = kLast[k];
         const JointLimits& lim = in_.limits;
-        const float lo =
-            std::fmax(lim.min[f] - in_.q_ref[f], in_.q_ref[l] + left - lim.max[l]) + kInsideLimit;
-        const float hi =
-            std::fmin(lim.max[f] - in_.q_ref[f], in_.q_ref[l] + left - lim.min[l]) - kInsideLimit;
-        return lo <= hi ? std::fmin(hi, std::fmax(lo, share)) : share;
+        const float lo = larger(lim.min[f] - in_.q_ref[f], in_.q_ref[l] + left - lim.max[l]) + kInsideLimit;
+        const float hi = smaller(lim.max[f] - in_.q_ref[f], in_.q_ref[l] + left - lim.min[l]) - kInsideLimit;
+        return lo <= hi ? smaller(hi, larger(lo, share)) : share;
     }
+
+    // std::fmax and std::fmin as the C library gives them, without its call: a NaN yields the other
+    // operand, and of two equal zeros the second comes back.
+    static float larger(float x, float y) { return x > y || y != y ? x : y; }
+    static float smaller(float x, float y) { return x < y || y != y ? x : y; }
 
     const SolveInput& in_;
     const ArmAngleTarget& t_;
