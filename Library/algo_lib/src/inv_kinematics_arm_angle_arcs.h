@@ -23,6 +23,12 @@ namespace algo::ik {
 enum ArcEntry { k00, k01, k02, k10, k11, k12, k20, k21, k22, kArcEntries };
 using ArcEntries = float[kArcEntries][3];
 
+// [0] sin psi + [1] cos psi + [2] at the lanes' arm angles: two multiply-adds where fused.
+template <class V>
+V sinusoid(const float (&f)[3], V sn, V cs) {
+    return f[0] * sn + (f[1] * cs + lanes::splat<V>(f[2]));
+}
+
 // a, c, a + c and a - c, as the angles of
 // (r02, r12), (-r20, r21), (r00 + r11, r10 - r01), (r11 - r00, -(r10 + r01)).
 enum ArcAngle { kArcA, kArcC, kArcSum, kArcDifference, kArcAngles };
@@ -31,6 +37,7 @@ enum ArcAngle { kArcA, kArcC, kArcSum, kArcDifference, kArcAngles };
 // rounding of the sum.
 struct TurnForm {
     float k, p, q, amplitude, margin;
+    int way;  // +1 (-1) where the angle turns up (down) at every arm angle, else 0
 };
 
 struct ArcForms {
@@ -69,8 +76,10 @@ inline ArcForms arc_forms(const ArcEntries& r) {
         const double p = y[2] * x[1] - x[2] * y[1];
         const double q = x[2] * y[0] - y[2] * x[0];
         const double amplitude = std::sqrt(p * p + q * q);
-        f.turn[i] = {float(k), float(p), float(q), float(amplitude),
-                     float(ArcForms::kTurnRounding * (std::fabs(k) + amplitude) + 1e-12)};
+        TurnForm& t = f.turn[i];
+        t = {float(k), float(p), float(q), float(amplitude),
+             float(ArcForms::kTurnRounding * (std::fabs(k) + amplitude) + 1e-12), 0};
+        t.way = t.k - t.amplitude > t.margin ? 1 : t.k + t.amplitude < -t.margin ? -1 : 0;
     }
     // Widened for rounding: near r22 = +-1 its arc cosine takes in r22's rounding as a square root.
     const double zs = r[k22][0], zc = r[k22][1], zk = r[k22][2];
@@ -94,10 +103,9 @@ constexpr float kArcSingular = 1e-4f;
 // One triple's values at one end of each lane's interval.
 template <class V>
 struct ArcEnd {
-    V angle[kArcAngles];
-    V turn[kArcAngles], bend[kArcAngles];  // X Y' - Y X' and its derivative
-    V z, dz, b;                            // r22, its derivative, and b = atan2(sin b, r22)
-    V pair_slack;                          // a + c and a - c carry a's and c's rounding
+    V a, c;
+    V z, dz, b;    // r22, its derivative, and b = atan2(sin b, r22)
+    V pair_slack;  // a + c and a - c carry a's and c's rounding
 };
 
 // a moved by a turn into [-pi, pi] (within half a turn), from within a turn and a half.
@@ -108,26 +116,33 @@ V within_half_turn(V a) {
 }
 
 template <class V>
-ArcEnd<V> arc_end(const ArcEntries& m, const ArcForms& f, V sn, V cs) {
-    const auto entry = [&](int i) { return m[i][0] * sn + m[i][1] * cs + lanes::splat<V>(m[i][2]); };
+ArcEnd<V> arc_end(const ArcEntries& m, V sn, V cs) {
+    const auto entry = [&](int i) { return sinusoid(m[i], sn, cs); };
     const V r02 = entry(k02), r12 = entry(k12), r20 = entry(k20), r21 = entry(k21);
     ArcEnd<V> e;
     e.z = entry(k22);
     e.dz = m[k22][0] * cs - m[k22][1] * sn;
     const V sb = lanes::sqrt(r02 * r02 + r12 * r12);
     e.b = lanes::atan2_finite(sb, e.z);
-    const V a = lanes::atan2_finite(r12, r02), c = lanes::atan2_finite(r21, -r20);
-    e.angle[kArcA] = a;
-    e.angle[kArcC] = c;
-    e.angle[kArcSum] = within_half_turn(a + c);
-    e.angle[kArcDifference] = within_half_turn(a - c);
+    e.a = lanes::atan2_finite(r12, r02);
+    e.c = lanes::atan2_finite(r21, -r20);
     e.pair_slack = lanes::splat<V>(2.0f * kArcOuterSlack) / sb;
-    for (int i = 0; i < kArcAngles; ++i) {
-        const TurnForm& t = f.turn[i];
-        e.turn[i] = t.p * sn + t.q * cs + lanes::splat<V>(t.k);
-        e.bend[i] = t.p * cs - t.q * sn;
-    }
     return e;
+}
+
+// An angle's value at an end: a, c, a + c or a - c.
+template <class V>
+V arc_angle(const ArcEnd<V>& e, int i) {
+    switch (i) {
+        case kArcA:
+            return e.a;
+        case kArcC:
+            return e.c;
+        case kArcSum:
+            return within_half_turn(e.a + e.c);
+        default:
+            return within_half_turn(e.a - e.c);
+    }
 }
 
 // An arc of angles: every value within move of centre (move may be infinite).
@@ -143,8 +158,10 @@ struct TripleArcs {
     Arc<V> b;  // within [0, pi]
 };
 
+// The ends' sines and cosines of the arm angle are (sn_lo, cs_lo) and (sn_hi, cs_hi).
 template <class V>
-TripleArcs<V> triple_arcs(const ArcForms& f, const ArcEnd<V>& lo, const ArcEnd<V>& hi, V width) {
+TripleArcs<V> triple_arcs(const ArcForms& f, const ArcEnd<V>& lo, const ArcEnd<V>& hi, V sn_lo, V cs_lo, V sn_hi,
+                          V cs_hi, V width) {
     using I = lanes::MaskOf<V>;
     const V zero = lanes::splat<V>(0.0f), half = lanes::splat<V>(0.5f), one = lanes::splat<V>(1.0f);
     const V turn = lanes::splat<V>(kTwoPi), pi = lanes::splat<V>(kPi);
@@ -175,25 +192,34 @@ TripleArcs<V> triple_arcs(const ArcForms& f, const ArcEnd<V>& lo, const ArcEnd<V
                                  ends + form / (one - z_max) + lanes::select(z_max <= zero, zero, outer)};
     for (int i = 0; i < kArcAngles; ++i) {
         const TurnForm& t = f.turn[i];
-        const I trough = (lo.bend[i] < zero) & (hi.bend[i] > zero),
-                peak = (lo.bend[i] > zero) & (hi.bend[i] < zero);
-        const V least =
-            lanes::select(trough, lanes::splat<V>(t.k - t.amplitude), lanes::min(lo.turn[i], hi.turn[i]));
-        const V most =
-            lanes::select(peak, lanes::splat<V>(t.k + t.amplitude), lanes::max(lo.turn[i], hi.turn[i]));
-        const I up = least > lanes::splat<V>(t.margin), down = most < lanes::splat<V>(-t.margin);
-        const V delta = hi.angle[i] - lo.angle[i];  // within a turn either way
+        const V from = arc_angle(lo, i);
+        const V delta = arc_angle(hi, i) - from;  // within a turn either way
         const V swept_up = lanes::select(delta < zero, delta + turn, delta);
         const V swept_down = lanes::select(delta > zero, turn - delta, -delta);
-        // Elsewhere the arc around the ends' middle within the rate's bound either way.
-        const V shortest =
-            lanes::select(delta > pi, delta - turn, lanes::select(delta < -pi, delta + turn, delta));
-        const V reach = rate[i] * width;
-        const V loose = lanes::select(reach < pi, half * reach, inf);
-        const V sweep =
-            lanes::select(up, half * swept_up, lanes::select(down, -half * swept_down, half * shortest));
-        const V move = lanes::select(up, half * swept_up, lanes::select(down, half * swept_down, loose));
-        out.angle[i] = {lo.angle[i] + sweep, move + slack[i] + lanes::splat<V>(kArcSlack)};
+        V sweep, move;
+        if (t.way > 0) {  // the same way at every arm angle: no need to look
+            sweep = move = half * swept_up;
+        } else if (t.way < 0) {
+            move = half * swept_down;
+            sweep = -move;
+        } else {
+            const V turn_lo = t.p * sn_lo + (t.q * cs_lo + lanes::splat<V>(t.k));
+            const V turn_hi = t.p * sn_hi + (t.q * cs_hi + lanes::splat<V>(t.k));
+            const V bend_lo = t.p * cs_lo - t.q * sn_lo, bend_hi = t.p * cs_hi - t.q * sn_hi;
+            const I trough = (bend_lo < zero) & (bend_hi > zero), peak = (bend_lo > zero) & (bend_hi < zero);
+            const V least =
+                lanes::select(trough, lanes::splat<V>(t.k - t.amplitude), lanes::min(turn_lo, turn_hi));
+            const V most = lanes::select(peak, lanes::splat<V>(t.k + t.amplitude), lanes::max(turn_lo, turn_hi));
+            const I up = least > lanes::splat<V>(t.margin), down = most < lanes::splat<V>(-t.margin);
+            // Elsewhere the arc around the ends' middle within the rate's bound either way.
+            const V shortest =
+                lanes::select(delta > pi, delta - turn, lanes::select(delta < -pi, delta + turn, delta));
+            const V reach = rate[i] * width;
+            const V loose = lanes::select(reach < pi, half * reach, inf);
+            sweep = lanes::select(up, half * swept_up, lanes::select(down, -half * swept_down, half * shortest));
+            move = lanes::select(up, half * swept_up, lanes::select(down, half * swept_down, loose));
+        }
+        out.angle[i] = {from + sweep, move + slack[i] + lanes::splat<V>(kArcSlack)};
     }
     return out;
 }

@@ -120,8 +120,9 @@ public:
             V sum = lanes::splat<V>(joint4_[e]);
             for (int k = 0; k < 2; ++k) {
                 const ArcForms& forms = forms_[e][k];
-                const TripleArcs<V> arcs = triple_arcs(forms, arc_end(parts_[e][k], forms, sn_lo, cs_lo),
-                                                       arc_end(parts_[e][k], forms, sn_hi, cs_hi), width);
+                const TripleArcs<V> arcs = triple_arcs(forms, arc_end(parts_[e][k], sn_lo, cs_lo),
+                                                       arc_end(parts_[e][k], sn_hi, cs_hi), sn_lo, cs_lo, sn_hi,
+                                                       cs_hi, width);
                 sum += arcs_floor(arcs, joints_[k]);
             }
             f.elbow[e] = sum;
@@ -226,7 +227,7 @@ private:
     static Triple<V> triple_angles(const ArcEntries& m, const Joints& j, V sn, V cs) {
         V r[kArcEntries];
         for (const int i : {k02, k12, k22, k00, k10, k20})
-            r[i] = m[i][0] * sn + m[i][1] * cs + lanes::splat<V>(m[i][2]);
+            r[i] = sinusoid(m[i], sn, cs);
         Triple<V> t;
         t.sb = lanes::sqrt(r[k02] * r[k02] + r[k12] * r[k12]);
         // a, b and c as the solver forms them (c's direction times sin b), from finite entries.
