@@ -77,8 +77,8 @@ inline ArcForms arc_forms(const ArcEntries& r) {
         const double q = x[2] * y[0] - y[2] * x[0];
         const double amplitude = std::sqrt(p * p + q * q);
         TurnForm& t = f.turn[i];
-        t = {float(k), float(p), float(q), float(amplitude),
-             float(ArcForms::kTurnRounding * (std::fabs(k) + amplitude) + 1e-12), 0};
+        const float margin = float(ArcForms::kTurnRounding * (std::fabs(k) + amplitude) + 1e-12);
+        t = {float(k), float(p), float(q), float(amplitude), margin, 0};
         t.way = t.k - t.amplitude > t.margin ? 1 : t.k + t.amplitude < -t.margin ? -1 : 0;
     }
     // Widened for rounding: near r22 = +-1 its arc cosine takes in r22's rounding as a square root.
@@ -160,8 +160,8 @@ struct TripleArcs {
 
 // The ends' sines and cosines of the arm angle are (sn_lo, cs_lo) and (sn_hi, cs_hi).
 template <class V>
-TripleArcs<V> triple_arcs(const ArcForms& f, const ArcEnd<V>& lo, const ArcEnd<V>& hi, V sn_lo, V cs_lo, V sn_hi,
-                          V cs_hi, V width) {
+TripleArcs<V> triple_arcs(const ArcForms& f, const ArcEnd<V>& lo, const ArcEnd<V>& hi, V sn_lo, V cs_lo,
+                          V sn_hi, V cs_hi, V width) {
     using I = lanes::MaskOf<V>;
     const V zero = lanes::splat<V>(0.0f), half = lanes::splat<V>(0.5f), one = lanes::splat<V>(1.0f);
     const V turn = lanes::splat<V>(kTwoPi), pi = lanes::splat<V>(kPi);
@@ -209,14 +209,16 @@ TripleArcs<V> triple_arcs(const ArcForms& f, const ArcEnd<V>& lo, const ArcEnd<V
             const I trough = (bend_lo < zero) & (bend_hi > zero), peak = (bend_lo > zero) & (bend_hi < zero);
             const V least =
                 lanes::select(trough, lanes::splat<V>(t.k - t.amplitude), lanes::min(turn_lo, turn_hi));
-            const V most = lanes::select(peak, lanes::splat<V>(t.k + t.amplitude), lanes::max(turn_lo, turn_hi));
+            const V most =
+                lanes::select(peak, lanes::splat<V>(t.k + t.amplitude), lanes::max(turn_lo, turn_hi));
             const I up = least > lanes::splat<V>(t.margin), down = most < lanes::splat<V>(-t.margin);
             // Elsewhere the arc around the ends' middle within the rate's bound either way.
             const V shortest =
                 lanes::select(delta > pi, delta - turn, lanes::select(delta < -pi, delta + turn, delta));
             const V reach = rate[i] * width;
             const V loose = lanes::select(reach < pi, half * reach, inf);
-            sweep = lanes::select(up, half * swept_up, lanes::select(down, -half * swept_down, half * shortest));
+            sweep =
+                lanes::select(up, half * swept_up, lanes::select(down, -half * swept_down, half * shortest));
             move = lanes::select(up, half * swept_up, lanes::select(down, half * swept_down, loose));
         }
         out.angle[i] = {from + sweep, move + slack[i] + lanes::splat<V>(kArcSlack)};

@@ -88,6 +88,15 @@ public:
 
     // True when a branch whose floor is `floor` may cost less than best.
     static bool may_beat(float floor, double best) { return below(floor) < best; }
+    // The least floor that cannot beat best: may_beat(floor, best) is floor < cut(best).
+    static float cut(double best) {
+        float f = static_cast<float>((best + kSlack) / (1.0 - kRelativeSlack));
+        while (below(f) < best) f = std::nextafter(f, INFINITY);
+        for (float lower = std::nextafter(f, -INFINITY); below(lower) >= best;
+             lower = std::nextafter(f, -INFINITY))
+            f = lower;
+        return f;
+    }
 
     // At the arm angles whose sines and cosines are sn and cs, for the elbow signs of `elbows`
     // (infinite for the others).
@@ -120,9 +129,9 @@ public:
             V sum = lanes::splat<V>(joint4_[e]);
             for (int k = 0; k < 2; ++k) {
                 const ArcForms& forms = forms_[e][k];
-                const TripleArcs<V> arcs = triple_arcs(forms, arc_end(parts_[e][k], sn_lo, cs_lo),
-                                                       arc_end(parts_[e][k], sn_hi, cs_hi), sn_lo, cs_lo, sn_hi,
-                                                       cs_hi, width);
+                const TripleArcs<V> arcs =
+                    triple_arcs(forms, arc_end(parts_[e][k], sn_lo, cs_lo),
+                                arc_end(parts_[e][k], sn_hi, cs_hi), sn_lo, cs_lo, sn_hi, cs_hi, width);
                 sum += arcs_floor(arcs, joints_[k]);
             }
             f.elbow[e] = sum;
@@ -226,8 +235,7 @@ private:
     template <class V>
     static Triple<V> triple_angles(const ArcEntries& m, const Joints& j, V sn, V cs) {
         V r[kArcEntries];
-        for (const int i : {k02, k12, k22, k00, k10, k20})
-            r[i] = sinusoid(m[i], sn, cs);
+        for (const int i : {k02, k12, k22, k00, k10, k20}) r[i] = sinusoid(m[i], sn, cs);
         Triple<V> t;
         t.sb = lanes::sqrt(r[k02] * r[k02] + r[k12] * r[k12]);
         // a, b and c as the solver forms them (c's direction times sin b), from finite entries.

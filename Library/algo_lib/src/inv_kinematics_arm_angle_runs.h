@@ -12,23 +12,23 @@
 namespace algo::ik {
 
 struct GridRun {
-    float key;       // the lesser of the floors
     float floor[2];  // per elbow sign
-    int16_t first;   // grid step of the arm angle nearest the reference's
+    int16_t low;     // signed grid step of its lowest arm angle: negative below the reference's
     int16_t count;   // of steps
-    int8_t side;     // +1 above the reference's arm angle, -1 below
 };
 
-// A binary heap of keys and places, the runs themselves staying where they were put: the sifts move
-// eight bytes at a time. Capacity bounds the runs ever pushed between clears.
+// A binary heap of keys (each run's least floor, or a cheaper bound) and places, the runs themselves
+// staying where they were put: the sifts move eight bytes at a time. Capacity bounds the runs ever
+// pushed between clears.
 template <int Capacity>
 class RunQueue {
 public:
     bool empty() const { return size_ == 0; }
     const GridRun& top() const { return runs_[heap_[0].place]; }
-    void push(const GridRun& run) {
+    float top_key() const { return heap_[0].key; }
+    void push(const GridRun& run, float key) {
         runs_[stored_] = run;
-        const Entry entry{run.key, stored_++};
+        const Entry entry{key, stored_++};
         int hole = size_++;
         while (hole > 0) {
             const int parent = (hole - 1) / 2;
