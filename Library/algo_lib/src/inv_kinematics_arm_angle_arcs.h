@@ -37,7 +37,8 @@ enum ArcAngle { kArcA, kArcC, kArcSum, kArcDifference, kArcAngles };
 // rounding of the sum.
 struct TurnForm {
     float k, p, q, amplitude, margin;
-    int way;  // +1 (-1) where the angle turns up (down) at every arm angle, else 0
+    float least, most, low_margin;  // k - amplitude, k + amplitude, -margin
+    int way;                        // +1 (-1) where the angle turns up (down) at every arm angle, else 0
 };
 
 struct ArcForms {
@@ -78,8 +79,10 @@ inline ArcForms arc_forms(const ArcEntries& r) {
         const double amplitude = std::sqrt(p * p + q * q);
         TurnForm& t = f.turn[i];
         const float margin = float(ArcForms::kTurnRounding * (std::fabs(k) + amplitude) + 1e-12);
-        t = {float(k), float(p), float(q), float(amplitude), margin, 0};
-        t.way = t.k - t.amplitude > t.margin ? 1 : t.k + t.amplitude < -t.margin ? -1 : 0;
+        t = {float(k), float(p), float(q), float(amplitude), margin, 0.0f, 0.0f, -margin, 0};
+        t.least = t.k - t.amplitude;
+        t.most = t.k + t.amplitude;
+        t.way = t.least > t.margin ? 1 : t.most < t.low_margin ? -1 : 0;
     }
     // Widened for rounding: near r22 = +-1 its arc cosine takes in r22's rounding as a square root.
     const double zs = r[k22][0], zc = r[k22][1], zk = r[k22][2];
@@ -207,11 +210,9 @@ TripleArcs<V> triple_arcs(const ArcForms& f, const ArcEnd<V>& lo, const ArcEnd<V
             const V turn_hi = t.p * sn_hi + (t.q * cs_hi + lanes::splat<V>(t.k));
             const V bend_lo = t.p * cs_lo - t.q * sn_lo, bend_hi = t.p * cs_hi - t.q * sn_hi;
             const I trough = (bend_lo < zero) & (bend_hi > zero), peak = (bend_lo > zero) & (bend_hi < zero);
-            const V least =
-                lanes::select(trough, lanes::splat<V>(t.k - t.amplitude), lanes::min(turn_lo, turn_hi));
-            const V most =
-                lanes::select(peak, lanes::splat<V>(t.k + t.amplitude), lanes::max(turn_lo, turn_hi));
-            const I up = least > lanes::splat<V>(t.margin), down = most < lanes::splat<V>(-t.margin);
+            const V least = lanes::select(trough, lanes::splat<V>(t.least), lanes::min(turn_lo, turn_hi));
+            const V most = lanes::select(peak, lanes::splat<V>(t.most), lanes::max(turn_lo, turn_hi));
+            const I up = least > lanes::splat<V>(t.margin), down = most < lanes::splat<V>(t.low_margin);
             // Elsewhere the arc around the ends' middle within the rate's bound either way.
             const V shortest =
                 lanes::select(delta > pi, delta - turn, lanes::select(delta < -pi, delta + turn, delta));

@@ -47,11 +47,11 @@ public:
                 joints_[k].lo[i] = lo;
                 joints_[k].hi[i] = hi;
                 const float nearest = std::fmin(hi, std::fmax(lo, in.q_ref[j]));
-                joints_[k].outside[i] = std::fabs(in.q_ref[j] - nearest);
+                joints_[k].outside[i] = std::fabs(in.q_ref[j] - nearest) - kBoundSlack;
                 joints_[k].shift[i] =
                     in.q_ref[j] == nearest ? 0.0f : std::remainder(in.q_ref[j] - nearest, kTwoPi);
-                joints_[k].lo_seen[i] = lo - nearest;
-                joints_[k].hi_seen[i] = hi - nearest;
+                joints_[k].lo_seen[i] = lo - nearest - kBoundSlack;
+                joints_[k].hi_seen[i] = hi - nearest + kBoundSlack;
             }
             const float first = joints_[k].angle[0], last = joints_[k].angle[2];
             joints_[k].pair[0] = wrapped(first + last);
@@ -162,7 +162,8 @@ private:
 
     // Per joint of one Z-Y-Z triple: the reference's value, its angle (offset in, within half a
     // turn), the limits; and from the in-limit value nearest the reference: the reference's
-    // distance and turn (within half a turn), and the limits.
+    // distance and turn (within half a turn), and the limits. For the bounds over runs, the distance
+    // is narrowed and the limits seen from there widened by kBoundSlack.
     struct Joints {
         float ref[3], angle[3], lo[3], hi[3], outside[3], shift[3];
         float lo_seen[3], hi_seen[3];  // the limits, from the nearest value
@@ -208,8 +209,7 @@ private:
     template <class V>
     static V joint_bound(V delta, V move, const Joints& j, int i) {
         const V zero = lanes::splat<V>(0.0f);
-        const V lo = lanes::splat<V>(j.lo_seen[i] - kBoundSlack),
-                hi = lanes::splat<V>(j.hi_seen[i] + kBoundSlack);
+        const V lo = lanes::splat<V>(j.lo_seen[i]), hi = lanes::splat<V>(j.hi_seen[i]);
         const V centre = within_half_turn(delta + lanes::splat<V>(j.shift[i]));
         const V across =
             centre + lanes::select(centre > zero, lanes::splat<V>(-kTwoPi), lanes::splat<V>(kTwoPi));
@@ -221,7 +221,7 @@ private:
             const V apart = lanes::max(in_lo, -in_hi);
             gap = lanes::select(in_lo <= in_hi, lanes::min(gap, lanes::max(apart, zero)), gap);
         }
-        const V raw = gap + lanes::splat<V>(j.outside[i] - kBoundSlack);
+        const V raw = gap + lanes::splat<V>(j.outside[i]);
         const V d = lanes::max(raw, zero);
         return d * d;
     }

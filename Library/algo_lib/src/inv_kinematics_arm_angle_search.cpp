@@ -406,7 +406,11 @@ private:
         int elbows = 0;
         for (int e = 0; e < 2; ++e)
             elbows |= algo::lanes::any(batch.inherited[e] < lanes::splat<Wide>(cut)) ? 1 << e : 0;
-        elbows &= floor().elbows_below(best_);
+        // Read afresh each pass: the compiler would otherwise hold the floor's every coefficient,
+        // lane-wide, across the whole search, far more than the registers.
+        const CostFloor* bounds = &floor();
+        asm("" : "+r"(bounds));
+        elbows &= bounds->elbows_below(best_);
         // A run's arm angles lie between its ends'. The grid's offsets are rounded apart from the
         // sum, as grid_angle's table has them.
         const Wide step = lanes::splat<Wide>(Q_STEP_MIN), psi0 = lanes::splat<Wide>(psi0_);
@@ -422,8 +426,8 @@ private:
         Wide sn_hi, cs_hi;
         if (!batch.singles) lanes::sincos_reducible(hi, sn_hi, cs_hi);
         const CostFloor::FloorsOf<Wide> floors = batch.singles
-                                                     ? floor().at(sn_lo, cs_lo, elbows)
-                                                     : floor().over(sn_lo, cs_lo, sn_hi, cs_hi, width, elbows);
+                                                     ? bounds->at(sn_lo, cs_lo, elbows)
+                                                     : bounds->over(sn_lo, cs_lo, sn_hi, cs_hi, width, elbows);
         const Wide floor0 = lanes::max(floors.elbow[0], batch.inherited[0]);
         const Wide floor1 = lanes::max(floors.elbow[1], batch.inherited[1]);
         const Wide key = lanes::min(floor0, floor1);

@@ -28,12 +28,14 @@ using MaskOf = decltype(V{} < V{});
 template <class V>
 constexpr int kLanesOf = static_cast<int>(sizeof(V) / sizeof(float));
 
+// Eight lanes as lane 0 shuffled everywhere: the compiler builds a listed vector the baseline's way
+// even inlined into code for wider registers, four inserts and a lane copy where one broadcast does.
 template <class V = F4>
 inline V splat(float v) {
     if constexpr (kLanesOf<V> == 4) {
         return V{v, v, v, v};
     } else {
-        return V{v, v, v, v, v, v, v, v};
+        return __builtin_shuffle(V{v}, MaskOf<V>{});
     }
 }
 // Masks are whole lanes of ones or zeros, as comparisons give them: one blend where the
