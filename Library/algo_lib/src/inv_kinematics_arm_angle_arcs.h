@@ -111,11 +111,14 @@ struct ArcEnd {
     V pair_slack;  // a + c and a - c carry a's and c's rounding
 };
 
-// a moved by a turn into [-pi, pi] (within half a turn), from within a turn and a half.
+// a less its nearest whole number of turns: within half a turn (and rounding) either way. The
+// number is rounded by pushing it into the mantissa's units place; from within a few turns the
+// turns taken off are exact.
 template <class V>
 V within_half_turn(V a) {
-    a = lanes::select(a > lanes::splat<V>(kPi), a - lanes::splat<V>(kTwoPi), a);
-    return lanes::select(a < lanes::splat<V>(-kPi), a + lanes::splat<V>(kTwoPi), a);
+    const V units = lanes::splat<V>(12582912.0f);  // 1.5 * 2^23
+    const V turns = (a * lanes::splat<V>(float(0.5 / ALGO_PI)) + units) - units;
+    return a - turns * lanes::splat<V>(kTwoPi);
 }
 
 template <class V>

@@ -129,9 +129,13 @@ public:
             V sum = lanes::splat<V>(joint4_[e]);
             for (int k = 0; k < 2; ++k) {
                 const ArcForms& forms = forms_[e][k];
-                const TripleArcs<V> arcs =
-                    triple_arcs(forms, arc_end(parts_[e][k], sn_lo, cs_lo),
-                                arc_end(parts_[e][k], sn_hi, cs_hi), sn_lo, cs_lo, sn_hi, cs_hi, width);
+                // Each end reads the entries afresh: held over from the other end, lane-wide, they
+                // would wait on the stack.
+                const ArcEntries* entries = &parts_[e][k];
+                const ArcEnd<V> lo = arc_end(*entries, sn_lo, cs_lo);
+                asm("" : "+r"(entries));
+                const ArcEnd<V> hi = arc_end(*entries, sn_hi, cs_hi);
+                const TripleArcs<V> arcs = triple_arcs(forms, lo, hi, sn_lo, cs_lo, sn_hi, cs_hi, width);
                 sum += arcs_floor(arcs, joints_[k]);
             }
             f.elbow[e] = sum;
