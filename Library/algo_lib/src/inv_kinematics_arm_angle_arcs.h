@@ -157,49 +157,41 @@ struct Arc {
     V centre, move;
 };
 
-// What one triple sweeps over each lane's interval, from its ends lo and hi `width` apart (rad).
+// What one triple sweeps over each lane's interval, from its ends lo and hi `width` apart (rad),
+// whose sines and cosines of the arm angle are (sn_lo, cs_lo) and (sn_hi, cs_hi). b's arc comes
+// first; the others' one at a time, as asked for, so that few values wait at once.
 template <class V>
-struct TripleArcs {
-    Arc<V> angle[kArcAngles];
-    Arc<V> b;  // within [0, pi]
-};
-
-// The ends' sines and cosines of the arm angle are (sn_lo, cs_lo) and (sn_hi, cs_hi).
-template <class V>
-TripleArcs<V> triple_arcs(const ArcForms& f, const ArcEnd<V>& lo, const ArcEnd<V>& hi, V sn_lo, V cs_lo,
-                          V sn_hi, V cs_hi, V width) {
+class TripleArcs {
     using I = lanes::MaskOf<V>;
-    const V zero = lanes::splat<V>(0.0f), half = lanes::splat<V>(0.5f), one = lanes::splat<V>(1.0f);
-    const V turn = lanes::splat<V>(kTwoPi), pi = lanes::splat<V>(kPi);
-    TripleArcs<V> out;
-    // r22's range, and b's, exact but for rounding.
-    const I z_peak = (lo.dz > zero) & (hi.dz < zero), z_trough = (lo.dz < zero) & (hi.dz > zero);
-    const V z_max = lanes::select(z_peak, lanes::splat<V>(f.z_top), lanes::max(lo.z, hi.z));
-    const V z_min = lanes::select(z_trough, lanes::splat<V>(f.z_bottom), lanes::min(lo.z, hi.z));
-    const V b_min = lanes::select(z_peak, lanes::splat<V>(f.b_top), lanes::min(lo.b, hi.b));
-    const V b_max = lanes::select(z_trough, lanes::splat<V>(f.b_bottom), lanes::max(lo.b, hi.b));
-    out.b = {half * (b_min + b_max), half * (b_max - b_min) + lanes::splat<V>(kArcSlack)};
-    // |sin b|, cos(b / 2) and sin(b / 2) at their least over the interval.
-    const V z_far = lanes::max(z_max * z_max, z_min * z_min);
-    const V sin_b = lanes::sqrt(lanes::max(one - z_far - lanes::splat<V>(kArcSinSquaredSlack), zero));
-    const V cos_half = lanes::sqrt(lanes::max(half + half * z_min, zero));
-    const V sin_half = lanes::sqrt(lanes::max(half - half * z_max, zero));
-    // The solver's a and c carry its rounding over sin b; a + c (a - c) is as well defined as
-    // the entries it comes from only while b stays within the upper (lower) half turn.
-    const V outer = lanes::splat<V>(2.0f * kArcOuterSlack) / sin_b;
-    const V inf = lanes::splat<V>(INFINITY);
-    const V rate[kArcAngles] = {one / sin_b, one / sin_b, one / cos_half, one / sin_half};
-    const V single = lanes::select(sin_b > lanes::splat<V>(kArcSingular), outer, inf);
-    // a + c and a - c at the ends come from a and c; whether they turn one way, from entries of
-    // size 1 + cos b and 1 - cos b.
-    const V ends = lanes::max(lo.pair_slack, hi.pair_slack), form = lanes::splat<V>(kArcOuterSlack);
-    const V slack[kArcAngles] = {single, single,
-                                 ends + form / (one + z_min) + lanes::select(z_min >= zero, zero, outer),
-                                 ends + form / (one - z_max) + lanes::select(z_max <= zero, zero, outer)};
-    for (int i = 0; i < kArcAngles; ++i) {
-        const TurnForm& t = f.turn[i];
-        const V from = arc_angle(lo, i);
-        const V delta = arc_angle(hi, i) - from;  // within a turn either way
+
+public:
+    Arc<V> b;  // within [0, pi]
+
+    TripleArcs(const ArcForms& f, const ArcEnd<V>& lo, const ArcEnd<V>& hi, V sn_lo, V cs_lo, V sn_hi,
+               V cs_hi, V width)
+        : f_(f), lo_(lo), hi_(hi), sn_lo_(sn_lo), cs_lo_(cs_lo), sn_hi_(sn_hi), cs_hi_(cs_hi), width_(width) {
+        const V zero = lanes::splat<V>(0.0f), half = lanes::splat<V>(0.5f), one = lanes::splat<V>(1.0f);
+        // r22's range, and b's, exact but for rounding.
+        const I z_peak = (lo.dz > zero) & (hi.dz < zero), z_trough = (lo.dz < zero) & (hi.dz > zero);
+        z_max_ = lanes::select(z_peak, lanes::splat<V>(f.z_top), lanes::max(lo.z, hi.z));
+        z_min_ = lanes::select(z_trough, lanes::splat<V>(f.z_bottom), lanes::min(lo.z, hi.z));
+        const V b_min = lanes::select(z_peak, lanes::splat<V>(f.b_top), lanes::min(lo.b, hi.b));
+        const V b_max = lanes::select(z_trough, lanes::splat<V>(f.b_bottom), lanes::max(lo.b, hi.b));
+        b = {half * (b_min + b_max), half * (b_max - b_min) + lanes::splat<V>(kArcSlack)};
+        // |sin b| at its least over the interval.
+        const V z_far = lanes::max(z_max_ * z_max_, z_min_ * z_min_);
+        sin_b_ = lanes::sqrt(lanes::max(one - z_far - lanes::splat<V>(kArcSinSquaredSlack), zero));
+        // The solver's a and c carry its rounding over sin b.
+        outer_ = lanes::splat<V>(2.0f * kArcOuterSlack) / sin_b_;
+    }
+
+    // a, c, a + c or a - c.
+    Arc<V> angle(int i) const {
+        const V zero = lanes::splat<V>(0.0f), half = lanes::splat<V>(0.5f), one = lanes::splat<V>(1.0f);
+        const V turn = lanes::splat<V>(kTwoPi), pi = lanes::splat<V>(kPi), inf = lanes::splat<V>(INFINITY);
+        const TurnForm& t = f_.turn[i];
+        const V from = arc_angle(lo_, i);
+        const V delta = arc_angle(hi_, i) - from;  // within a turn either way
         const V swept_up = lanes::select(delta < zero, delta + turn, delta);
         const V swept_down = lanes::select(delta > zero, turn - delta, -delta);
         V sweep, move;
@@ -209,26 +201,47 @@ TripleArcs<V> triple_arcs(const ArcForms& f, const ArcEnd<V>& lo, const ArcEnd<V
             move = half * swept_down;
             sweep = -move;
         } else {
-            const V turn_lo = t.p * sn_lo + (t.q * cs_lo + lanes::splat<V>(t.k));
-            const V turn_hi = t.p * sn_hi + (t.q * cs_hi + lanes::splat<V>(t.k));
-            const V bend_lo = t.p * cs_lo - t.q * sn_lo, bend_hi = t.p * cs_hi - t.q * sn_hi;
+            const V turn_lo = t.p * sn_lo_ + (t.q * cs_lo_ + lanes::splat<V>(t.k));
+            const V turn_hi = t.p * sn_hi_ + (t.q * cs_hi_ + lanes::splat<V>(t.k));
+            const V bend_lo = t.p * cs_lo_ - t.q * sn_lo_, bend_hi = t.p * cs_hi_ - t.q * sn_hi_;
             const I trough = (bend_lo < zero) & (bend_hi > zero), peak = (bend_lo > zero) & (bend_hi < zero);
             const V least = lanes::select(trough, lanes::splat<V>(t.least), lanes::min(turn_lo, turn_hi));
             const V most = lanes::select(peak, lanes::splat<V>(t.most), lanes::max(turn_lo, turn_hi));
             const I up = least > lanes::splat<V>(t.margin), down = most < lanes::splat<V>(t.low_margin);
-            // Elsewhere the arc around the ends' middle within the rate's bound either way.
+            // Elsewhere the arc around the ends' middle within the rate's bound either way: 1 / |sin b|
+            // for a and c, 1 / cos(b / 2) for a + c and 1 / sin(b / 2) for a - c, at their least.
             const V shortest =
                 lanes::select(delta > pi, delta - turn, lanes::select(delta < -pi, delta + turn, delta));
-            const V reach = rate[i] * width;
+            const V rate = i == kArcSum          ? one / lanes::sqrt(lanes::max(half + half * z_min_, zero))
+                           : i == kArcDifference ? one / lanes::sqrt(lanes::max(half - half * z_max_, zero))
+                                                 : one / sin_b_;
+            const V reach = rate * width_;
             const V loose = lanes::select(reach < pi, half * reach, inf);
             sweep =
                 lanes::select(up, half * swept_up, lanes::select(down, -half * swept_down, half * shortest));
             move = lanes::select(up, half * swept_up, lanes::select(down, half * swept_down, loose));
         }
-        out.angle[i] = {from + sweep, move + slack[i] + lanes::splat<V>(kArcSlack)};
+        return {from + sweep, move + slack(i) + lanes::splat<V>(kArcSlack)};
     }
-    return out;
-}
+
+private:
+    // a + c (a - c) is as well defined as the entries it comes from only while b stays within the
+    // upper (lower) half turn; at the ends it comes from a and c; whether it turns one way, from
+    // entries of size 1 + cos b (1 - cos b).
+    V slack(int i) const {
+        const V zero = lanes::splat<V>(0.0f), one = lanes::splat<V>(1.0f);
+        if (i == kArcA || i == kArcC)
+            return lanes::select(sin_b_ > lanes::splat<V>(kArcSingular), outer_, lanes::splat<V>(INFINITY));
+        const V ends = lanes::max(lo_.pair_slack, hi_.pair_slack), form = lanes::splat<V>(kArcOuterSlack);
+        return i == kArcSum ? ends + form / (one + z_min_) + lanes::select(z_min_ >= zero, zero, outer_)
+                            : ends + form / (one - z_max_) + lanes::select(z_max_ <= zero, zero, outer_);
+    }
+
+    const ArcForms& f_;
+    const ArcEnd<V>&lo_, &hi_;
+    V sn_lo_, cs_lo_, sn_hi_, cs_hi_, width_;
+    V z_max_, z_min_, sin_b_, outer_;
+};
 
 }  // namespace algo::ik
 

@@ -135,8 +135,8 @@ public:
                 const ArcEnd<V> lo = arc_end(*entries, sn_lo, cs_lo);
                 asm("" : "+r"(entries));
                 const ArcEnd<V> hi = arc_end(*entries, sn_hi, cs_hi);
-                const TripleArcs<V> arcs = triple_arcs(forms, lo, hi, sn_lo, cs_lo, sn_hi, cs_hi, width);
-                sum += arcs_floor(arcs, joints_[k]);
+                sum +=
+                    arcs_floor(TripleArcs<V>(forms, lo, hi, sn_lo, cs_lo, sn_hi, cs_hi, width), joints_[k]);
             }
             f.elbow[e] = sum;
         }
@@ -279,20 +279,20 @@ private:
             return lanes::max(lanes::abs(within_half_turn(arc.centre - lanes::splat<V>(ref))) - arc.move,
                               zero);
         };
-        const V d = apart(arcs.angle[kArcSum], j.pair[0]), e = apart(arcs.angle[kArcDifference], j.pair[1]);
+        const V d = apart(arcs.angle(kArcSum), j.pair[0]), e = apart(arcs.angle(kArcDifference), j.pair[1]);
         const V pair = lanes::splat<V>(0.5f) * (d * d + e * e);
-        const Arc<V>& a = arcs.angle[kArcA];
-        const Arc<V>& c = arcs.angle[kArcC];
         const auto from_ref = [&](V centre, int i) {
             return within_half_turn(centre - lanes::splat<V>(j.angle[i]));
         };
-        const V da = from_ref(a.centre, 0), dc = from_ref(c.centre, 2);
-        const V own = lanes::max(joint_bound(da, a.move, j, 0) + joint_bound(dc, c.move, j, 2), pair) +
+        const Arc<V> a = arcs.angle(kArcA);
+        const V da = from_ref(a.centre, 0);
+        const V own_a = joint_bound(da, a.move, j, 0), twin_a = joint_bound(twin_of(da), a.move, j, 0);
+        const Arc<V> c = arcs.angle(kArcC);
+        const V dc = from_ref(c.centre, 2);
+        const V own = lanes::max(own_a + joint_bound(dc, c.move, j, 2), pair) +
                       joint_bound(from_ref(arcs.b.centre, 1), arcs.b.move, j, 1);
-        const V twin =
-            lanes::max(joint_bound(twin_of(da), a.move, j, 0) + joint_bound(twin_of(dc), c.move, j, 2),
-                       pair) +
-            joint_bound(from_ref(-arcs.b.centre, 1), arcs.b.move, j, 1);
+        const V twin = lanes::max(twin_a + joint_bound(twin_of(dc), c.move, j, 2), pair) +
+                       joint_bound(from_ref(-arcs.b.centre, 1), arcs.b.move, j, 1);
         return lanes::min(own, twin);
     }
 
