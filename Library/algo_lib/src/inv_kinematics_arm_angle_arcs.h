@@ -52,8 +52,7 @@ struct ArcForms {
     static constexpr double kExtremeRounding = 2e-6;
 };
 
-inline ArcForms arc_forms(const ArcEntries& r) {
-    ArcForms f;
+inline void arc_forms(const ArcEntries& r, ArcForms& f) {
     for (int i = 0; i < kArcAngles; ++i) {
         double x[3], y[3];
         for (int part = 0; part < 3; ++part) {
@@ -91,7 +90,6 @@ inline ArcForms arc_forms(const ArcEntries& r) {
     f.z_bottom = float(zk - amplitude);
     f.b_top = std::acos(std::fmin(1.0f, f.z_top));
     f.b_bottom = std::acos(std::fmax(-1.0f, f.z_bottom));
-    return f;
 }
 
 // Slack for rounding: on every arc (loose anyway); for a and c, and a + c and a - c formed from

@@ -33,7 +33,7 @@ public:
                 entries_of(*shoulder[p], p, parts_[e][0]);
                 entries_of(wrist, p, parts_[e][1]);
             }
-            for (int k = 0; k < 2; ++k) forms_[e][k] = arc_forms(parts_[e][k]);
+            for (int k = 0; k < 2; ++k) arc_forms(parts_[e][k], forms_[e][k]);
             const float q4 = joint_value(in, 3, b.t4);
             const float d4 = std::fmax(0.0f, std::fabs(q4 - in.q_ref[3]) - kAngleSlack);
             joint4_[e] = q4 >= in.limits.min[3] && q4 <= in.limits.max[3] ? d4 * d4 : INFINITY;
@@ -42,7 +42,9 @@ public:
             for (int i = 0; i < 3; ++i) {
                 const int j = 4 * k + i;
                 joints_[k].ref[i] = in.q_ref[j];
-                joints_[k].angle[i] = std::remainder(theta_ref[j], kTwoPi);
+                // Mostly within half a turn already, where the remainder is the angle itself.
+                const float angle = theta_ref[j];
+                joints_[k].angle[i] = std::fabs(angle) <= kPi ? angle : std::remainder(angle, kTwoPi);
                 const float lo = in.limits.min[j], hi = in.limits.max[j];
                 joints_[k].lo[i] = lo;
                 joints_[k].hi[i] = hi;
