@@ -372,23 +372,27 @@ private:
             return run.count > 1 && parts_of(run) <= kLanes - size && (span_of(run) == 1) == singles;
         }
         void add(const GridRun& run) {
-            low[size] = run.low;
-            count[size] = run.count;
-            for (int e = 0; e < 2; ++e) inherited[e][size] = run.floor[e];
             singles = run.count == 1 && (size == 0 || singles);
-            ++size;
+            put(size++, run.low, run.count, run.floor);
         }
-        // From the end nearest the reference's arm angle outwards, the last part the rest.
+        // From the end nearest the reference's arm angle outwards, the last part the rest. Parts
+        // join a batch of their own span, one step or more (see fits).
         void split(const GridRun& parent) {
-            const int span = span_of(parent), side = parent.low > 0 ? 1 : -1;
+            const int span = span_of(parent), parts = parts_of(parent);
+            const int side = parent.low > 0 ? 1 : -1;
             const int near = side > 0 ? parent.low : -(parent.low + parent.count - 1),
                       end = near + parent.count;
-            for (int first = near; first < end; first += span) {
-                const int n = std::min(span, end - first);
-                add({{parent.floor[0], parent.floor[1]},
-                     static_cast<int16_t>(side > 0 ? first : -(first + n - 1)),
-                     static_cast<int16_t>(n)});
+            for (int i = 0; i < parts; ++i) {
+                const int first = near + i * span, n = std::min(span, end - first);
+                put(size + i, side > 0 ? first : -(first + n - 1), n, parent.floor);
             }
+            singles = span == 1;
+            size += parts;
+        }
+        void put(int lane, int run_low, int run_count, const float (&floor)[2]) {
+            low[lane] = run_low;
+            count[lane] = run_count;
+            for (int e = 0; e < 2; ++e) inherited[e][lane] = floor[e];
         }
     };
 
