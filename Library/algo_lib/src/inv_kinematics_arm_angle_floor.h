@@ -33,10 +33,10 @@ public:
                 entries_of(*shoulder[p], p, parts_[e][0]);
                 entries_of(wrist, p, parts_[e][1]);
             }
-            for (int k = 0; k < 2; ++k) arc_forms(parts_[e][k], forms_[e][k]);
             const float q4 = joint_value(in, 3, b.t4);
             const float d4 = std::fmax(0.0f, std::fabs(q4 - in.q_ref[3]) - kAngleSlack);
             joint4_[e] = q4 >= in.limits.min[3] && q4 <= in.limits.max[3] ? d4 * d4 : INFINITY;
+            forms_ready_[e] = false;
         }
         for (int k = 0; k < 2; ++k) {
             for (int i = 0; i < 3; ++i) {
@@ -127,6 +127,11 @@ public:
             if (joint4_[e] == INFINITY || (elbows & (1 << e)) == 0) {
                 f.elbow[e] = lanes::splat<V>(INFINITY);
                 continue;
+            }
+            // Made on first use: many calls leave one elbow sign to joint 4 and single arm angles.
+            if (!forms_ready_[e]) {
+                for (int k = 0; k < 2; ++k) arc_forms(parts_[e][k], forms_[e][k]);
+                forms_ready_[e] = true;
             }
             V sum = lanes::splat<V>(joint4_[e]);
             for (int k = 0; k < 2; ++k) {
@@ -299,7 +304,8 @@ private:
     }
 
     ArcEntries parts_[2][2];  // per elbow sign: shoulder, wrist
-    ArcForms forms_[2][2];
+    mutable ArcForms forms_[2][2];
+    mutable bool forms_ready_[2];
     Joints joints_[2];  // 1-3 and 5-7
     float joint4_[2];   // joint 4's squared distance, infinite outside its limits
 };
