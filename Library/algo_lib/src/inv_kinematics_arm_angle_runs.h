@@ -17,18 +17,16 @@ struct GridRun {
     int16_t count;   // of steps
 };
 
-// A binary heap of keys (each run's least floor, or a cheaper bound) and places, the runs themselves
-// staying where they were put: the sifts move eight bytes at a time. Capacity bounds the runs ever
-// pushed between clears.
+// A binary heap of runs with their keys (each run's least floor, or a cheaper bound), sixteen
+// bytes an entry. Capacity bounds the runs waiting at once.
 template <int Capacity>
 class RunQueue {
 public:
     bool empty() const { return size_ == 0; }
-    const GridRun& top() const { return runs_[heap_[0].place]; }
+    const GridRun& top() const { return heap_[0].run; }
     float top_key() const { return heap_[0].key; }
     void push(const GridRun& run, float key) {
-        runs_[stored_] = run;
-        const Entry entry{key, stored_++};
+        const Entry entry{key, run};
         int hole = size_++;
         while (hole > 0) {
             const int parent = (hole - 1) / 2;
@@ -38,9 +36,9 @@ public:
         }
         heap_[hole] = entry;
     }
-    void clear() { size_ = stored_ = 0; }
+    void clear() { size_ = 0; }
     GridRun pop() {
-        const GridRun run = runs_[heap_[0].place];
+        const GridRun run = heap_[0].run;
         const Entry last = heap_[--size_];
         int hole = 0;
         for (int child = 1; child < size_; child = 2 * hole + 1) {
@@ -56,12 +54,10 @@ public:
 private:
     struct Entry {
         float key;
-        int place;  // in runs_
+        GridRun run;
     };
     std::array<Entry, Capacity> heap_;
-    std::array<GridRun, Capacity> runs_;
     int size_ = 0;
-    int stored_ = 0;
 };
 
 }  // namespace algo::ik
