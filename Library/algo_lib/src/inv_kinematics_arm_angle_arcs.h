@@ -88,8 +88,20 @@ inline void arc_forms(const ArcEntries& r, ArcForms& f) {
     const double amplitude = std::sqrt(zs * zs + zc * zc) + ArcForms::kExtremeRounding;
     f.z_top = float(zk + amplitude);
     f.z_bottom = float(zk - amplitude);
-    f.b_top = std::acos(std::fmin(1.0f, f.z_top));
-    f.b_bottom = std::acos(std::fmax(-1.0f, f.z_bottom));
+}
+
+// b at r22's extremes, for two triples' forms at once: four arc cosines as arc tangents in lanes
+// (within a few ulp; b's arcs carry kArcSlack).
+inline void bends_at_extremes(ArcForms& first, ArcForms& second) {
+    using lanes::F4;
+    const F4 z = {std::fmin(1.0f, first.z_top), std::fmax(-1.0f, first.z_bottom), std::fmin(1.0f, second.z_top),
+                  std::fmax(-1.0f, second.z_bottom)};
+    const F4 one = lanes::splat(1.0f);
+    const F4 b = lanes::atan2_finite(lanes::sqrt(lanes::max((one - z) * (one + z), lanes::splat(0.0f))), z);
+    first.b_top = b[0];
+    first.b_bottom = b[1];
+    second.b_top = b[2];
+    second.b_bottom = b[3];
 }
 
 // Slack for rounding: on every arc (loose anyway); for a and c, and a + c and a - c formed from

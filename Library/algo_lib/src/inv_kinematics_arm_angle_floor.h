@@ -131,6 +131,7 @@ public:
             // Made on first use: many calls leave one elbow sign to joint 4 and single arm angles.
             if (!forms_ready_[e]) {
                 for (int k = 0; k < 2; ++k) arc_forms(parts_[e][k], forms_[e][k]);
+                bends_at_extremes(forms_[e][0], forms_[e][1]);
                 forms_ready_[e] = true;
             }
             V sum = lanes::splat<V>(joint4_[e]);
