@@ -118,7 +118,7 @@ template <class V>
 struct ArcEnd {
     V a, c;
     V z, dz, b;    // r22, its derivative, and b = atan2(sin b, r22)
-    V pair_slack;  // a + c and a - c carry a's and c's rounding
+    V sb;          // |sin b|: a + c and a - c carry a's and c's rounding over it
 };
 
 // a less its nearest whole number of turns: within half a turn (and rounding) either way. The
@@ -138,11 +138,10 @@ ArcEnd<V> arc_end(const ArcEntries& m, V sn, V cs) {
     ArcEnd<V> e;
     e.z = entry(k22);
     e.dz = m[k22][0] * cs - m[k22][1] * sn;
-    const V sb = lanes::sqrt(r02 * r02 + r12 * r12);
-    e.b = lanes::atan2_finite(sb, e.z);
+    e.sb = lanes::sqrt(r02 * r02 + r12 * r12);
+    e.b = lanes::atan2_finite(e.sb, e.z);
     e.a = lanes::atan2_finite(r12, r02);
     e.c = lanes::atan2_finite(r21, -r20);
-    e.pair_slack = lanes::splat<V>(2.0f * kArcOuterSlack) / sb;
     return e;
 }
 
@@ -242,7 +241,8 @@ private:
         const V zero = lanes::splat<V>(0.0f), one = lanes::splat<V>(1.0f);
         if (i == kArcA || i == kArcC)
             return lanes::select(sin_b_ > lanes::splat<V>(kArcSingular), outer_, lanes::splat<V>(INFINITY));
-        const V ends = lanes::max(lo_.pair_slack, hi_.pair_slack), form = lanes::splat<V>(kArcOuterSlack);
+        const V ends = lanes::splat<V>(2.0f * kArcOuterSlack) / lanes::min(lo_.sb, hi_.sb);
+        const V form = lanes::splat<V>(kArcOuterSlack);
         return i == kArcSum ? ends + form / (one + z_min_) + lanes::select(z_min_ >= zero, zero, outer_)
                             : ends + form / (one - z_max_) + lanes::select(z_max_ <= zero, zero, outer_);
     }

@@ -289,9 +289,8 @@ private:
         };
         const V d = apart(arcs.angle(kArcSum), j.pair[0]), e = apart(arcs.angle(kArcDifference), j.pair[1]);
         const V pair = lanes::splat<V>(0.5f) * (d * d + e * e);
-        const auto from_ref = [&](V centre, int i) {
-            return within_half_turn(centre - lanes::splat<V>(j.angle[i]));
-        };
+        // On any turn: joint_bound takes it within half a turn.
+        const auto from_ref = [&](V centre, int i) { return centre - lanes::splat<V>(j.angle[i]); };
         const Arc<V> a = arcs.angle(kArcA);
         const V da = from_ref(a.centre, 0);
         const V own_a = joint_bound(da, a.move, j, 0), twin_a = joint_bound(twin_of(da), a.move, j, 0);
