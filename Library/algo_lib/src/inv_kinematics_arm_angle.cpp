@@ -56,7 +56,7 @@ int arm_angles_for_azimuth(const AxisBlend& axis, float azimuth, float centre, f
     const float base = std::asin(-gamma / r);
     int n = 0;
     for (const float psi : {base - phi, kPi - base - phi}) {
-        const float step = std::remainder(psi - centre, kTwoPi);
+        const float step = remainder_turn(psi - centre);
         if (std::fabs(step) <= window) out[n++] = centre + step;
     }
     return n;

@@ -47,6 +47,18 @@ constexpr int kBothElbows = 3;
 // The reference's joint rotations, offsets included.
 void reference_theta(const SolveInput& in, float* theta);
 
+// std::remainder(x, kTwoPi) to the bit without the library call: within a million turns
+// x - n * kTwoPi is exact in double precision, and the remainder of two floats is a float.
+inline float remainder_turn(float x) {
+    constexpr double kTurn = kTwoPi;
+    if (!(std::fabs(x) < 1e6f)) return std::remainder(x, kTwoPi);
+    double r = static_cast<double>(x) - kTurn * round_to_integer(static_cast<double>(x) / kTurn);
+    // Within a rounding of a half turn the quotient can round to the other side.
+    if (r > 0.5 * kTurn) r -= kTurn;
+    if (r < -0.5 * kTurn) r += kTurn;
+    return r == 0.0 ? std::copysign(0.0f, x) : static_cast<float>(r);
+}
+
 inline void blend(const Mat3 a, const Mat3 b, const Mat3 c, float sn, float cs, Mat3 out) {
     for (int i = 0; i < 3; ++i) {
         for (int j = 0; j < 3; ++j) out[i][j] = a[i][j] * sn + b[i][j] * cs + c[i][j];

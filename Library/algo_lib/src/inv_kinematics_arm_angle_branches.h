@@ -111,53 +111,106 @@ inline ArmAngleTarget arm_angle_target(const DH& dh, const Matrix& flange, float
     return t;
 }
 
-// Every branch at arm angle psi, into out; elbows masks the elbow signs computed.
-inline MiddleSines branches_at(const SolveInput& in, const ArmAngleTarget& t, const float* theta_ref, float psi,
-                        IkSolve& out, int elbows = kBothElbows) {
-    MiddleSines sines{};
-    begin_solutions(in, out);
-    lanes::F4 sines_of, cosines_of;
-    lanes::sincos(lanes::splat(psi), sines_of, cosines_of);
-    const float sn = sines_of[0], cs = cosines_of[0];
+// The branches at one arm angle as the extraction leaves them, lanes (shoulder of elbow sign 0,
+// of sign 1, wrist of sign 0, of sign 1): joint[k][i] holds joints (i+1, i+1, i+5, i+5) of the
+// extraction's branch k, joint4 joint 4 of each elbow sign (lanes 0 and 1). Branch
+// e*4 + k*2 + m of the set has the shoulder of branch k and the wrist of branch m of elbow sign e.
+struct BranchLanes {
+    lanes::F4 joint[2][3];
+    lanes::F4 joint4;
+    MiddleSines sines;
+};
+
+// What the branches at every arm angle of a target share: the shoulder's terms and joint 4's
+// sine and cosine in lanes (elbow sign 0, 1, 0, 1), the mapping of the extraction's lanes to
+// joints (in doubles of D's width), joint 4 of each elbow sign and the reference's joints 1 and 5.
+template <class D = lanes::D2>
+struct BranchTerms {
+    lanes::F4 shoulder[3][3][3];  // [sin, cos, constant term][row][column]
+    lanes::F4 c4, s4;
+    lanes::JointLanesOf<D> joints[3];  // joints (i+1, i+1, i+5, i+5)
+    lanes::F4 joint4;
+    lanes::F4 a_ref;
+
+    BranchTerms(const SolveInput& in, const ArmAngleTarget& t, const float* theta_ref) {
+        const ElbowBranch& e0 = t.elbow[0];
+        const ElbowBranch& e1 = t.elbow[1];
+        const auto pair = [](float a, float b) { return lanes::F4{a, b, a, b}; };
+        for (int i = 0; i < 3; ++i) {
+            for (int j = 0; j < 3; ++j) {
+                shoulder[0][i][j] = pair(e0.shoulder_sin[i][j], e1.shoulder_sin[i][j]);
+                shoulder[1][i][j] = pair(e0.shoulder_cos[i][j], e1.shoulder_cos[i][j]);
+                shoulder[2][i][j] = pair(e0.shoulder_const[i][j], e1.shoulder_const[i][j]);
+            }
+        }
+        c4 = pair(e0.c4, e1.c4);
+        s4 = pair(e0.s4, e1.s4);
+        // Joints per angle of the extraction, in the lanes' order.
+        static constexpr int kJoints[3][4] = {{0, 0, 4, 4}, {1, 1, 5, 5}, {2, 2, 6, 6}};
+        for (int k = 0; k < 3; ++k) joints[k] = lanes::joint_lanes<D>(in, kJoints[k]);
+        joint4 = lanes::F4{joint_value(in, 3, e0.t4), joint_value(in, 3, e1.t4), 0.0f, 0.0f};
+        a_ref = lanes::F4{theta_ref[0], theta_ref[0], theta_ref[4], theta_ref[4]};
+    }
+};
+
+// The branches at the arm angle whose sine and cosine are sn and cs.
+template <class D>
+inline BranchLanes branch_lanes(const BranchTerms<D>& terms, const ArmAngleTarget& t, float sn, float cs) {
+    BranchLanes out;
+    // The shoulder of both elbow signs, twice, as blend() works it out, and from it their wrists
+    // as wrist_rotation() does, each lane with the same operations as the one matrix entry.
+    lanes::F4 rot[3][3];
+    for (int i = 0; i < 3; ++i) {
+        for (int j = 0; j < 3; ++j) {
+            rot[i][j] = terms.shoulder[0][i][j] * lanes::splat(sn) + terms.shoulder[1][i][j] * lanes::splat(cs) +
+                        terms.shoulder[2][i][j];
+        }
+    }
     // Four Z-Y-Z extractions in one pass, lanes: shoulder of elbow sign 0, of sign 1, wrist of
     // sign 0, of sign 1.
-    Mat3 rot[2], wrist_rot[2];
-    for (int e = 0; e < 2; ++e) {
-        const ElbowBranch& b = t.elbow[e];
-        blend(b.shoulder_sin, b.shoulder_cos, b.shoulder_const, sn, cs, rot[e]);
-        wrist_rotation(b, rot[e], t.rotation, wrist_rot[e]);
-    }
+    const Mat3& rotation = t.rotation;
     lanes::Mat3x4 r;
-    for (int i = 0; i < 3; ++i) {
-        for (int j = 0; j < 3; ++j) r[i][j] = lanes::F4{rot[0][i][j], rot[1][i][j], wrist_rot[0][i][j], wrist_rot[1][i][j]};
+    for (int j = 0; j < 3; ++j) {
+        lanes::F4 m[3];
+        for (int i = 0; i < 3; ++i) {
+            m[i] = rot[0][i] * lanes::splat(rotation[0][j]) + rot[1][i] * lanes::splat(rotation[1][j]) +
+                   rot[2][i] * lanes::splat(rotation[2][j]);
+        }
+        const lanes::F4 wrist[3] = {terms.c4 * m[0] - terms.s4 * m[2], m[1], terms.s4 * m[0] + terms.c4 * m[2]};
+        for (int i = 0; i < 3; ++i) r[i][j] = __builtin_shufflevector(rot[i][j], wrist[i], 0, 1, 6, 7);
     }
-    const lanes::Zyz z = lanes::zyz_angles(r, lanes::F4{theta_ref[0], theta_ref[0], theta_ref[4], theta_ref[4]});
-    // Joints per angle of the extraction, in the lanes' order.
-    static constexpr int kJoints[3][4] = {{0, 0, 4, 4}, {1, 1, 5, 5}, {2, 2, 6, 6}};
+    const lanes::Zyz z = lanes::zyz_angles(r, terms.a_ref);
     const lanes::F4 first[3] = {z.a, z.b, z.c};
     const lanes::F4 twin[3] = {z.a + lanes::splat(kPi), -z.b, z.c + lanes::splat(kPi)};
-    lanes::F4 q_of[2][3];  // [branch of the extraction][angle]
     for (int k = 0; k < 3; ++k) {
-        const lanes::JointLanes joints = lanes::joint_lanes(in, kJoints[k]);
-        q_of[0][k] = lanes::joint_values(joints, first[k]);
-        q_of[1][k] = lanes::joint_values(joints, twin[k]);
+        out.joint[0][k] = lanes::joint_values(terms.joints[k], first[k]);
+        out.joint[1][k] = lanes::joint_values(terms.joints[k], twin[k]);
     }
+    out.joint4 = terms.joint4;
+    for (int e = 0; e < 2; ++e) {
+        out.sines.shoulder[e] = z.sin_b[e];
+        out.sines.wrist[e] = z.sin_b[2 + e];
+    }
+    return out;
+}
+
+// The branches of the elbow signs in elbows, as the set of in's reference.
+inline void write_branches(const SolveInput& in, const BranchLanes& b, int elbows, IkSolve& out) {
+    begin_solutions(in, out);
     // Rows written in place, in the order add_branch would append them, as two halves each:
-    // transposed, the extraction's lanes are (joints 1-3, joint 4) of each elbow sign's shoulder
-    // and (joints 5-7, 0) of its wrist.
+    // transposed, the lanes are (joints 1-3, joint 4) of each elbow sign's shoulder and
+    // (joints 5-7, 0) of its wrist.
     lanes::F4 half[2][4];  // [branch of the extraction][lane]
     for (int k = 0; k < 2; ++k) {
-        half[k][0] = q_of[k][0];
-        half[k][1] = q_of[k][1];
-        half[k][2] = q_of[k][2];
-        half[k][3] = lanes::F4{joint_value(in, 3, t.elbow[0].t4), joint_value(in, 3, t.elbow[1].t4), 0.0f, 0.0f};
+        half[k][0] = b.joint[k][0];
+        half[k][1] = b.joint[k][1];
+        half[k][2] = b.joint[k][2];
+        half[k][3] = b.joint4;
         lanes::transpose(half[k]);
     }
     int n = 0;
     for (int e = 0; e < 2; ++e) {
         if ((elbows & (1 << e)) == 0) continue;
-        sines.shoulder[e] = z.sin_b[e];
-        sines.wrist[e] = z.sin_b[2 + e];
         for (const auto& sh : half) {
             for (const auto& wr : half) {
                 float* row = out.q_solve[n++];
@@ -168,6 +221,22 @@ inline MiddleSines branches_at(const SolveInput& in, const ArmAngleTarget& t, co
     }
     out.num = n;
     out.result = n > 0;
+}
+
+// Every branch at arm angle psi, into out; elbows masks the elbow signs written (their sines
+// alone are returned).
+inline MiddleSines branches_at(const SolveInput& in, const ArmAngleTarget& t, const float* theta_ref, float psi,
+                               IkSolve& out, int elbows = kBothElbows) {
+    lanes::F4 sines_of, cosines_of;
+    lanes::sincos(lanes::splat(psi), sines_of, cosines_of);
+    const BranchLanes b = branch_lanes(BranchTerms<>(in, t, theta_ref), t, sines_of[0], cosines_of[0]);
+    write_branches(in, b, elbows, out);
+    MiddleSines sines{};
+    for (int e = 0; e < 2; ++e) {
+        if ((elbows & (1 << e)) == 0) continue;
+        sines.shoulder[e] = b.sines.shoulder[e];
+        sines.wrist[e] = b.sines.wrist[e];
+    }
     return sines;
 }
 

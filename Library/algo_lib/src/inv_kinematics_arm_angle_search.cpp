@@ -12,9 +12,11 @@
 #include <cmath>
 #include <initializer_list>
 #include <optional>
+#include <type_traits>
 
 #include "inv_kinematics_arm_angle.h"
 #include "inv_kinematics_arm_angle_branches.h"
+#include "inv_kinematics_arm_angle_costs.h"
 #include "inv_kinematics_arm_angle_floor.h"
 #include "inv_kinematics_arm_angle_runs.h"
 #include "qman_inv_kinematics.h"
@@ -31,50 +33,9 @@ float reference_arm_angle(const ArmAngleTarget& t, const float* theta_ref) {
     return arm_angle_between(shoulder, b.shoulder0, t.axis);
 }
 
-double solution_cost(const SolveInput& in, const IkSolve& solve) {
-    static constexpr float kUnitWeights[ROBOT_DOF] = {1, 1, 1, 1, 1, 1, 1, 1};
-    double cost = 0.0;
-    return select_solution(kUnitWeights, solve, in.dof, in.limits, &cost) >= 0 ? cost : INFINITY;
-}
-
-double squared_distance(const float* q, const float* ref, int dof) {
-    double sum = 0.0;
-    for (int j = 0; j < dof; ++j) {
-        const double dq = static_cast<double>(q[j]) - ref[j];
-        sum += dq * dq;
-    }
-    return sum;
-}
-
 // Largest joint difference (rad) at which a branch counts as the reference's own: the others
 // differ from it by half or whole turns.
 constexpr float kOwnBranch = 0.35f;
-
-// The branch nearest the reference, limits aside, or -1 for an empty set.
-int nearest_branch(const SolveInput& in, const IkSolve& solve) {
-    int nearest = -1;
-    double best = INFINITY;
-    for (int i = 0; i < solve.num; ++i) {
-        const double cost = squared_distance(solve.q_solve[i], in.q_ref, in.dof);
-        if (cost < best) {
-            best = cost;
-            nearest = i;
-        }
-    }
-    return nearest;
-}
-
-// True when some branch within the limits is within kOwnBranch of the reference in every joint:
-// the reference's own branch, or one as near.
-bool own_branch_within_limits(const SolveInput& in, const IkSolve& solve) {
-    for (int i = 0; i < solve.num; ++i) {
-        const float* q = solve.q_solve[i];
-        int j = 0;
-        while (j < in.dof && std::fabs(q[j] - in.q_ref[j]) <= kOwnBranch) ++j;
-        if (j == in.dof && within_limits(q, in.dof, in.limits)) return true;
-    }
-    return false;
-}
 
 // Angle (rad) of the rotation taking a to b.
 double rotation_between(const Mat3 a, const Mat3 b) {
@@ -236,20 +197,28 @@ public:
           t_(t),
           out_(out),
           theta_ref_(reference_of(in)),
+          terms_(in, t, theta_ref_.data()),
+          ref_(in),
           psi0_(reference_arm_angle(t, theta_ref_.data())) {}
 
     int run(int strategy, float range) {
-        const MiddleSines sines = branches_at(in_, t_, theta_ref_.data(), psi0_, out_);
+        lanes::F4 sn, cs;
+        lanes::sincos(lanes::splat(psi0_), sn, cs);
+        const BranchLanes at_ref = branch_lanes(terms_, t_, sn[0], cs[0]);
+        const BranchCosts<Doubles> costs = branch_costs<Doubles>(at_ref, ref_);
+        take(at_ref, costs);
+        const double cost = set_cost(costs, kBothElbows);
         const int own = theta_ref_[3] >= 0.0f ? 0 : 1;
-        const bool near[2] = {sines.shoulder[own] < kNearSingularSin, sines.wrist[own] < kNearSingularSin};
+        const bool near[2] = {at_ref.sines.shoulder[own] < kNearSingularSin,
+                              at_ref.sines.wrist[own] < kNearSingularSin};
         if (near[0] || near[1]) {
-            best_ = solution_cost(in_, out_);
+            best_ = cost;
             for (int k = 0; k < 2; ++k) {
                 if (near[k]) try_singular(k, psi0_, kSingularWindow);
             }
         }
-        if (strategy == 0 && own_branch_within_limits(in_, out_)) return out_.num;
-        if (!near[0] && !near[1]) best_ = solution_cost(in_, out_);
+        if (strategy == 0 && own_within_) return out_.num;
+        if (!near[0] && !near[1]) best_ = cost;
         // Leaving the reference's arm angle: first wherever in the range the shoulder or wrist
         // can keep the reference's outer joints, then the grid.
         for (int k = 0; k < 2; ++k) try_singular(k, psi0_, range);
@@ -277,7 +246,7 @@ private:
                 for (int side = 0; side < 2; ++side) {
                     const int lane = 2 * i + side;
                     const int possible = middle().possible(kBothElbows, g.sn[lane], g.cs[lane]);
-                    evaluate_among(g.psi[lane], g.floors.could_beat(possible, lane, best_, ceiling_),
+                    evaluate_among(g.sn[lane], g.cs[lane], g.floors.could_beat(possible, lane, best_, ceiling_),
                                    walk_order(g.step[i], side == 0 ? 1 : -1));
                 }
             }
@@ -344,6 +313,8 @@ private:
     }
 
     static constexpr int kLanes = lanes::kLanesOf<Wide>;
+    // The branches' joints and costs in doubles as wide as the build's registers.
+    using Doubles = std::conditional_t<kLanes == 8, lanes::D4, lanes::D2>;
     static constexpr int kMaxSteps = static_cast<int>(Q_STEP_MAX / Q_STEP_MIN) + 1;
     // A root splits into a pass's worth of runs, each of them into a pass's worth of arm angles.
     static constexpr int kRootRun = kLanes * kLanes;  // steps
@@ -508,45 +479,50 @@ private:
     // first to last - 1: a sample, so that a walk that would have stopped soon pays little.
     double cheapest_from(int first, int last, int steps) {
         float lowest = INFINITY;
-        float psi = 0.0f;
+        float sn = 0.0f, cs = 0.0f;
         for (int n = first; n < last; n += kCeilingStride) {
             const GridBlock& g = grid_block(n);
             for (int lane = 0; lane < 4; ++lane) {
                 const float f = g.floors.least(lane);
                 if (g.step[lane / 2] <= steps && f < lowest) {
                     lowest = f;
-                    psi = g.psi[lane];
+                    sn = g.sn[lane];
+                    cs = g.cs[lane];
                 }
             }
         }
         if (lowest == INFINITY) return INFINITY;
-        branches_at(in_, t_, theta_ref_.data(), psi, candidate_);
-        return solution_cost(in_, candidate_);
+        return set_cost(branch_costs<Doubles>(branch_lanes(terms_, t_, sn, cs), ref_), kBothElbows);
     }
 
     // The set at psi becomes the answer when its best branch is nearer, or as near and reached
     // earlier by the walk (order, see walk_order). A set looked at for one elbow sign only is
     // completed first: the answer lists every branch of its arm angle.
     void evaluate(float psi, int elbows = kBothElbows, int order = 0) {
-        evaluate_among(psi, middle().possible(elbows, std::sin(psi), std::cos(psi)), order);
+        lanes::F4 sn, cs;
+        lanes::sincos(lanes::splat(psi), sn, cs);
+        evaluate_among(sn[0], cs[0], middle().possible(elbows, sn[0], cs[0]), order);
     }
 
-    void evaluate_among(float psi, int elbows, int order) {
-        if (elbows == 0) {
-            begin_solutions(in_, candidate_);  // nothing there within the limits
-            return;
-        }
-        branches_at(in_, t_, theta_ref_.data(), psi, candidate_, elbows);
-        const double cost = solution_cost(in_, candidate_);
+    // evaluate() at the arm angle whose sine and cosine are sn and cs, for the elbow signs in
+    // elbows; the set stays as the candidate.
+    void evaluate_among(float sn, float cs, int elbows, int order) {
+        candidate_elbows_ = elbows;
+        if (elbows == 0) return;  // nothing there within the limits
+        candidate_ = branch_lanes(terms_, t_, sn, cs);
+        candidate_costs_ = branch_costs<Doubles>(candidate_, ref_);
+        const double cost = set_cost(candidate_costs_, elbows);
         if (cost < best_ || (cost == best_ && order < best_order_)) {
             best_ = cost;
             best_order_ = order;
-            if (elbows == kBothElbows) {
-                out_ = candidate_;
-            } else {
-                branches_at(in_, t_, theta_ref_.data(), psi, out_);
-            }
+            take(candidate_, candidate_costs_);
         }
+    }
+
+    // The set of b becomes the answer, with every branch of its arm angle.
+    void take(const BranchLanes& b, const BranchCosts<Doubles>& costs) {
+        write_branches(in_, b, kBothElbows, out_);
+        own_within_ = near_branch_within_limits(b, costs, ref_, kOwnBranch);
     }
 
     // Arm angles within window of centre where joint kFirst[k] keeps the reference's value, and
@@ -561,13 +537,16 @@ private:
         const float first = theta_ref_[kFirst[k]];
         float psi[2];
         const int n = arm_angles_for_azimuth(axes_[k], first, centre, window, psi);
+        if (n == 0) return;
+        lanes::F4 sn, cs;
+        lanes::sincos(lanes::F4{psi[0], psi[n - 1], 0.0f, 0.0f}, sn, cs);
         for (int i = 0; i < n; ++i) {
-            evaluate(psi[i]);
-            if (own_branch_within_limits(in_, out_)) continue;
-            const int nearest = nearest_branch(in_, candidate_);
-            if (nearest < 0) continue;
+            evaluate_among(sn[i], cs[i], middle().possible(kBothElbows, sn[i], cs[i]), 0);
+            if (own_within_) continue;
+            BranchIndex nearest;
+            if (candidate_elbows_ == 0 || !nearest_branch(candidate_costs_, candidate_elbows_, nearest)) continue;
             const int last = kLast[k];
-            const float left = std::remainder(candidate_.q_solve[nearest][last] - in_.q_ref[last], kTwoPi);
+            const float left = remainder_turn(joint_of(candidate_, nearest, last) - in_.q_ref[last]);
             const float equal = 0.5f * left;
             const float within = share_within_limits(k, left, equal);
             float shared[4];
@@ -594,7 +573,7 @@ private:
         for (int i = 0; i < n; ++i) {
             int elbows = 0;
             for (int e = 0; e < 2; ++e) elbows |= CostFloor::may_beat(floors.elbow[e][i], best_) ? 1 << e : 0;
-            evaluate(psi[i], elbows);
+            evaluate_among(sn[i], cs[i], middle().possible(elbows, sn[i], cs[i]), 0);
         }
     }
 
@@ -614,6 +593,8 @@ private:
     const ArmAngleTarget& t_;
     IkSolve& out_;
     std::array<float, ROBOT_DOF> theta_ref_;
+    BranchTerms<Doubles> terms_;
+    ReferenceLanes ref_;
     std::optional<CostFloor> floor_;
     std::optional<MiddleJointFilter> middle_;
     float psi0_;
@@ -624,7 +605,11 @@ private:
     float cut_ = INFINITY;
     int best_order_ = 0;         // walk_order of the answer's arm angle
     double ceiling_ = INFINITY;  // the cost of some grid arm angle
-    IkSolve candidate_;
+    bool own_within_ = false;  // the answer holds the reference's own branch, within the limits
+    // The last set looked at, for the elbow signs in candidate_elbows_ (none: no set).
+    BranchLanes candidate_;
+    BranchCosts<Doubles> candidate_costs_;
+    int candidate_elbows_ = 0;
     std::array<GridBlock, kMaxBlocks> grid_;
     std::array<bool, kMaxBlocks> ready_{};
 };

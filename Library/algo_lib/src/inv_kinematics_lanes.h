@@ -125,16 +125,39 @@ inline Zyz zyz_angles(const Mat3x4 r, F4 a_ref) {
     return z;
 }
 
-// What joint_value reads of one joint per lane, in double precision as it uses them.
-struct JointLanes {
-    D2 offset[2], lo[2], hi[2], ref[2];
-};
+// Four doubles, for code built for 256-bit registers; their mask functions are templates, made
+// only where such code uses them.
+using D4 = double __attribute__((vector_size(32)));
+using algo::lanes::L4;
+template <class M>
+inline M both(M a, M b) {
+    return a & b;
+}
+template <class M, class D>
+inline D choose(M mask, D yes, D no) {
+    return mask ? yes : no;
+}
 
-inline JointLanes joint_lanes(const SolveInput& in, const int (&joint)[4]) {
-    JointLanes l;
-    for (int h = 0; h < 2; ++h) {
-        for (int k = 0; k < 2; ++k) {
-            const int j = joint[2 * h + k];
+// Lanes of double precision D holds.
+template <class D>
+constexpr int kWidthOf = static_cast<int>(sizeof(D) / sizeof(double));
+
+// What joint_value reads of one joint per lane, in double precision as it uses them, in parts of
+// D's width: two halves of D2, or one D4 in the builds for 256-bit registers.
+template <class D>
+struct JointLanesOf {
+    static constexpr int kParts = 4 / kWidthOf<D>;
+    D offset[kParts], lo[kParts], hi[kParts], ref[kParts];
+};
+using JointLanes = JointLanesOf<D2>;
+
+template <class D = D2>
+inline JointLanesOf<D> joint_lanes(const SolveInput& in, const int (&joint)[4]) {
+    JointLanesOf<D> l;
+    constexpr int kWidth = kWidthOf<D>;
+    for (int h = 0; h < l.kParts; ++h) {
+        for (int k = 0; k < kWidth; ++k) {
+            const int j = joint[kWidth * h + k];
             l.offset[h][k] = in.dh.offset[j];
             l.lo[h][k] = in.limits.min[j];
             l.hi[h][k] = in.limits.max[j];
@@ -144,26 +167,39 @@ inline JointLanes joint_lanes(const SolveInput& in, const int (&joint)[4]) {
     return l;
 }
 
-inline D2 round_to_integer(D2 x) {
+template <class D>
+inline D round_to_integer(D x) {
     constexpr double kShift = 6755399441055744.0;
     return (x + kShift) - kShift;
 }
 
 // joint_value of every lane, for the joints l was made for.
-inline F4 joint_values(const JointLanes& l, F4 theta) {
+template <class D>
+inline F4 joint_values(const JointLanesOf<D>& l, F4 theta) {
     constexpr double kTurn = 2.0 * ALGO_PI;
-    const D2 one = {1.0, 1.0}, zero = {0.0, 0.0};
+    constexpr int kWidth = kWidthOf<D>;
+    const D one = D{} + 1.0, zero = D{};
     F4 out;
-    for (int h = 0; h < 2; ++h) {
-        const D2 raw = D2{theta[2 * h], theta[2 * h + 1]} - l.offset[h];
-        D2 q = raw + kTurn * round_to_integer((l.ref[h] - raw) * (1.0 / kTurn));
-        const D2 below = choose(q < l.lo[h], one, zero);
-        const D2 above = choose(q > l.hi[h], one, zero);
+    for (int h = 0; h < l.kParts; ++h) {
+        D t;
+        if constexpr (kWidth == 4) {
+            t = __builtin_convertvector(theta, D4);
+        } else {
+            t = D{theta[2 * h], theta[2 * h + 1]};
+        }
+        const D raw = t - l.offset[h];
+        D q = raw + kTurn * round_to_integer((l.ref[h] - raw) * (1.0 / kTurn));
+        const D below = choose(q < l.lo[h], one, zero);
+        const D above = choose(q > l.hi[h], one, zero);
         q += kTurn * (below - above);
-        const D2 wrapped = raw - kTurn * round_to_integer(raw * (1.0 / kTurn));
-        const D2 chosen = choose(both(q >= l.lo[h], q <= l.hi[h]), q, wrapped);
-        out[2 * h] = static_cast<float>(chosen[0]);
-        out[2 * h + 1] = static_cast<float>(chosen[1]);
+        const D wrapped = raw - kTurn * round_to_integer(raw * (1.0 / kTurn));
+        const D chosen = choose(both(q >= l.lo[h], q <= l.hi[h]), q, wrapped);
+        if constexpr (kWidth == 4) {
+            out = __builtin_convertvector(chosen, F4);
+        } else {
+            out[2 * h] = static_cast<float>(chosen[0]);
+            out[2 * h + 1] = static_cast<float>(chosen[1]);
+        }
     }
     return out;
 }
