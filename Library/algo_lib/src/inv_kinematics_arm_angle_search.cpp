@@ -406,12 +406,14 @@ private:
         const Wide floor0 = lanes::max(floors.elbow[0], batch.inherited[0]);
         const Wide floor1 = lanes::max(floors.elbow[1], batch.inherited[1]);
         const Wide key = lanes::min(floor0, floor1);
-        for (int lane = 0; lane < batch.size; ++lane) {
-            if (key[lane] < cut)
-                queue.push({{floor0[lane], floor1[lane]},
-                            static_cast<int16_t>(batch.low[lane]),
-                            static_cast<int16_t>(batch.count[lane])},
-                           key[lane]);
+        // The runs' lanes whose keys are below the cut, lowest first.
+        const int below = algo::lanes::lane_bits(key < lanes::splat<Wide>(cut)) & ((1 << batch.size) - 1);
+        for (int waiting = below; waiting != 0; waiting &= waiting - 1) {
+            const int lane = __builtin_ctz(waiting);
+            queue.push({{floor0[lane], floor1[lane]},
+                        static_cast<int16_t>(batch.low[lane]),
+                        static_cast<int16_t>(batch.count[lane])},
+                       key[lane]);
         }
         batch.size = 0;
     }

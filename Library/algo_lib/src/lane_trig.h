@@ -93,6 +93,19 @@ inline bool any(M mask) {
     const L4 quarters = reinterpret_cast<L4>(mask);
     return ((quarters[0] | quarters[1]) | (quarters[2] | quarters[3])) != 0;
 }
+// One bit a lane, lane 0 lowest; eight lanes only in code for processors with 256-bit registers.
+inline int lane_bits(I4 mask) {
+#if defined(__SSE__)
+    return __builtin_ia32_movmskps(reinterpret_cast<F4>(mask));
+#else
+    return (mask[0] & 1) | (mask[1] & 2) | (mask[2] & 4) | (mask[3] & 8);
+#endif
+}
+template <class M>
+    requires(sizeof(M) == sizeof(I8))
+[[gnu::target("avx")]] inline int lane_bits(M mask) {
+    return __builtin_ia32_movmskps256(reinterpret_cast<F8>(mask));
+}
 
 // Lanes the polynomial forms do not serve, from the C library; out of the hot path's code, so
 // by reference: a call from code built for wider registers passes no vectors by value.
