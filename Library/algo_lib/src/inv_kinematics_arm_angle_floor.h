@@ -81,12 +81,9 @@ public:
 
     using Floors = FloorsOf<lanes::F4>;
 
-    // The elbow signs whose joint 4 alone leaves a branch that may cost less than best.
-    int elbows_below(double best) const {
-        int elbows = 0;
-        for (int e = 0; e < 2; ++e) elbows |= may_beat(joint4_[e], best) ? 1 << e : 0;
-        return elbows;
-    }
+    // The elbow signs whose joint 4 alone leaves a branch that may cost less than the best whose
+    // cut (see cut()) is `cut`.
+    int elbows_below(float cut) const { return (joint4_[0] < cut ? 1 : 0) | (joint4_[1] < cut ? 2 : 0); }
 
     // True when a branch whose floor is `floor` may cost less than best.
     static bool may_beat(float floor, double best) { return below(floor) < best; }

@@ -380,12 +380,12 @@ private:
         }
         int elbows = 0;
         for (int e = 0; e < 2; ++e)
-            elbows |= algo::lanes::any(batch.inherited[e] < lanes::splat<Wide>(cut)) ? 1 << e : 0;
+            elbows |= algo::lanes::lane_bits(batch.inherited[e] < lanes::splat<Wide>(cut)) != 0 ? 1 << e : 0;
         // Read afresh each pass: the compiler would otherwise hold the floor's every coefficient,
         // lane-wide, across the whole search, far more than the registers.
         const CostFloor* bounds = &floor();
         asm("" : "+r"(bounds));
-        elbows &= bounds->elbows_below(best_);
+        elbows &= bounds->elbows_below(cut);
         // A run's arm angles lie between its ends'. The grid's offsets are rounded apart from the
         // sum, as grid_angle's table has them.
         const Wide step = lanes::splat<Wide>(Q_STEP_MIN), psi0 = lanes::splat<Wide>(psi0_);
