@@ -41,13 +41,12 @@ public:
         for (int k = 0; k < 2; ++k) {
             for (int i = 0; i < 3; ++i) {
                 const int j = 4 * k + i;
-                joints_[k].ref[i] = in.q_ref[j];
                 // Mostly within half a turn already, where the remainder is the angle itself.
                 const float angle = theta_ref[j];
                 joints_[k].angle[i] = std::fabs(angle) <= kPi ? angle : std::remainder(angle, kTwoPi);
                 const float lo = in.limits.min[j], hi = in.limits.max[j];
-                joints_[k].lo[i] = lo;
-                joints_[k].hi[i] = hi;
+                joints_[k].lo[i] = lo - in.q_ref[j];
+                joints_[k].hi[i] = hi - in.q_ref[j];
                 const float nearest = std::fmin(hi, std::fmax(lo, in.q_ref[j]));
                 joints_[k].outside[i] = std::fabs(in.q_ref[j] - nearest) - kBoundSlack;
                 joints_[k].shift[i] =
@@ -169,12 +168,12 @@ private:
         }
     }
 
-    // Per joint of one Z-Y-Z triple: the reference's value, its angle (offset in, within half a
-    // turn), the limits; and from the in-limit value nearest the reference: the reference's
-    // distance and turn (within half a turn), and the limits. For the bounds over runs, the distance
-    // is narrowed and the limits seen from there widened by kBoundSlack.
+    // Per joint of one Z-Y-Z triple: the reference's angle (offset in, within half a turn), the
+    // limits seen from the reference's value; and from the in-limit value nearest the reference:
+    // the reference's distance and turn (within half a turn), and the limits. For the bounds over
+    // runs, the distance is narrowed and the limits seen from there widened by kBoundSlack.
     struct Joints {
-        float ref[3], angle[3], lo[3], hi[3], outside[3], shift[3];
+        float angle[3], lo[3], hi[3], outside[3], shift[3];
         float lo_seen[3], hi_seen[3];  // the limits, from the nearest value
         float pair[2];                 // the reference's a + c and a - c, within half a turn
     };
@@ -195,13 +194,11 @@ private:
         using I = lanes::MaskOf<V>;
         const V turn = lanes::splat<V>(kTwoPi), zero = lanes::splat<V>(0.0f);
         const V lo = lanes::splat<V>(j.lo[i]) - slack, hi = lanes::splat<V>(j.hi[i]) + slack;
-        const V ref = lanes::splat<V>(j.ref[i]);
         const V near = lanes::abs(delta) - slack;
         const V d = lanes::max(near, zero);
-        const V q = ref + delta;
-        const I below = q < lo, above = q > hi;
-        const V moved = q + lanes::select(below, turn, zero) - lanes::select(above, turn, zero);
-        const V far_raw = lanes::abs(moved - ref) - slack;
+        const I below = delta < lo, above = delta > hi;
+        const V moved = delta + lanes::select(below, turn, zero) - lanes::select(above, turn, zero);
+        const V far_raw = lanes::abs(moved) - slack;
         const V far = lanes::max(far_raw, zero);
         const V moved_floor =
             lanes::select((moved < lo) | (moved > hi), lanes::splat<V>(INFINITY), far * far);
