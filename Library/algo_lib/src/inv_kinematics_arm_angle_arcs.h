@@ -76,11 +76,10 @@ inline void arc_forms(const ArcEntries& r, ArcForms& f) {
         const double p = y[2] * x[1] - x[2] * y[1];
         const double q = x[2] * y[0] - y[2] * x[0];
         const double amplitude = std::sqrt(p * p + q * q);
-        TurnForm& t = f.turn[i];
         const float margin = float(ArcForms::kTurnRounding * (std::fabs(k) + amplitude) + 1e-12);
-        t = {float(k), float(p), float(q), float(amplitude), margin, 0.0f, 0.0f, -margin, 0};
-        t.least = t.k - t.amplitude;
-        t.most = t.k + t.amplitude;
+        const float constant = float(k), swing = float(amplitude);
+        TurnForm& t = f.turn[i];
+        t = {constant, float(p), float(q), swing, margin, constant - swing, constant + swing, -margin, 0};
         t.way = t.least > t.margin ? 1 : t.most < t.low_margin ? -1 : 0;
     }
     // Widened for rounding: near r22 = +-1 its arc cosine takes in r22's rounding as a square root.
