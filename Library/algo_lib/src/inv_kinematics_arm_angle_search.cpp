@@ -391,7 +391,7 @@ private:
         const Wide step = lanes::splat<Wide>(Q_STEP_MIN), psi0 = lanes::splat<Wide>(psi0_);
         Wide low_offset = __builtin_convertvector(batch.low, Wide) * step;
         Wide high_offset = __builtin_convertvector(batch.low + batch.count - 1, Wide) * step;
-        asm("" : "+x"(low_offset), "+x"(high_offset));
+        asm("" : "+m"(low_offset), "+m"(high_offset));
         const Wide lo = psi0 + low_offset, hi = psi0 + high_offset;
         const Wide width =
             __builtin_convertvector(batch.count - 1, Wide) * step + lanes::splat<Wide>(kReachSlack);
