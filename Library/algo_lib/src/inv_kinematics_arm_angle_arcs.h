@@ -23,6 +23,12 @@ namespace algo::ik {
 enum ArcEntry { k00, k01, k02, k10, k11, k12, k20, k21, k22, kArcEntries };
 using ArcEntries = float[kArcEntries][3];
 
+// [0] sin psi + [1] cos psi + [2] at the lanes' arm angles: two multiply-adds where fused.
+template <class V>
+V sinusoid(const float (&f)[3], V sn, V cs) {
+    return f[0] * sn + (f[1] * cs + lanes::splat<V>(f[2]));
+}
+
 // a, c, a + c and a - c, as the angles of
 // (r02, r12), (-r20, r21), (r00 + r11, r10 - r01), (r11 - r00, -(r10 + r01)).
 enum ArcAngle { kArcA, kArcC, kArcSum, kArcDifference, kArcAngles };
@@ -31,6 +37,8 @@ enum ArcAngle { kArcA, kArcC, kArcSum, kArcDifference, kArcAngles };
 // rounding of the sum.
 struct TurnForm {
     float k, p, q, amplitude, margin;
+    float least, most, low_margin;  // k - amplitude, k + amplitude, -margin
+    int way;                        // +1 (-1) where the angle turns up (down) at every arm angle, else 0
 };
 
 struct ArcForms {
@@ -44,8 +52,7 @@ struct ArcForms {
     static constexpr double kExtremeRounding = 2e-6;
 };
 
-inline ArcForms arc_forms(const ArcEntries& r) {
-    ArcForms f;
+inline void arc_forms(const ArcEntries& r, ArcForms& f) {
     for (int i = 0; i < kArcAngles; ++i) {
         double x[3], y[3];
         for (int part = 0; part < 3; ++part) {
@@ -69,17 +76,31 @@ inline ArcForms arc_forms(const ArcEntries& r) {
         const double p = y[2] * x[1] - x[2] * y[1];
         const double q = x[2] * y[0] - y[2] * x[0];
         const double amplitude = std::sqrt(p * p + q * q);
-        f.turn[i] = {float(k), float(p), float(q), float(amplitude),
-                     float(ArcForms::kTurnRounding * (std::fabs(k) + amplitude) + 1e-12)};
+        const float margin = float(ArcForms::kTurnRounding * (std::fabs(k) + amplitude) + 1e-12);
+        const float constant = float(k), swing = float(amplitude);
+        TurnForm& t = f.turn[i];
+        t = {constant, float(p), float(q), swing, margin, constant - swing, constant + swing, -margin, 0};
+        t.way = t.least > t.margin ? 1 : t.most < t.low_margin ? -1 : 0;
     }
     // Widened for rounding: near r22 = +-1 its arc cosine takes in r22's rounding as a square root.
     const double zs = r[k22][0], zc = r[k22][1], zk = r[k22][2];
     const double amplitude = std::sqrt(zs * zs + zc * zc) + ArcForms::kExtremeRounding;
     f.z_top = float(zk + amplitude);
     f.z_bottom = float(zk - amplitude);
-    f.b_top = std::acos(std::fmin(1.0f, f.z_top));
-    f.b_bottom = std::acos(std::fmax(-1.0f, f.z_bottom));
-    return f;
+}
+
+// b at r22's extremes, for two triples' forms at once: four arc cosines as arc tangents in lanes
+// (within a few ulp; b's arcs carry kArcSlack).
+inline void bends_at_extremes(ArcForms& first, ArcForms& second) {
+    using lanes::F4;
+    const F4 z = {std::fmin(1.0f, first.z_top), std::fmax(-1.0f, first.z_bottom), std::fmin(1.0f, second.z_top),
+                  std::fmax(-1.0f, second.z_bottom)};
+    const F4 one = lanes::splat(1.0f);
+    const F4 b = lanes::atan2_finite(lanes::sqrt(lanes::max((one - z) * (one + z), lanes::splat(0.0f))), z);
+    first.b_top = b[0];
+    first.b_bottom = b[1];
+    second.b_top = b[2];
+    second.b_bottom = b[3];
 }
 
 // Slack for rounding: on every arc (loose anyway); for a and c, and a + c and a - c formed from
@@ -94,40 +115,48 @@ constexpr float kArcSingular = 1e-4f;
 // One triple's values at one end of each lane's interval.
 template <class V>
 struct ArcEnd {
-    V angle[kArcAngles];
-    V turn[kArcAngles], bend[kArcAngles];  // X Y' - Y X' and its derivative
-    V z, dz, b;                            // r22, its derivative, and b = atan2(sin b, r22)
-    V pair_slack;                          // a + c and a - c carry a's and c's rounding
+    V a, c;
+    V z, dz, b;    // r22, its derivative, and b = atan2(sin b, r22)
+    V sb;          // |sin b|: a + c and a - c carry a's and c's rounding over it
 };
 
-// a moved by a turn into [-pi, pi] (within half a turn), from within a turn and a half.
+// a less its nearest whole number of turns: within half a turn (and rounding) either way. The
+// number is rounded by pushing it into the mantissa's units place; from within a few turns the
+// turns taken off are exact.
 template <class V>
 V within_half_turn(V a) {
-    a = lanes::select(a > lanes::splat<V>(kPi), a - lanes::splat<V>(kTwoPi), a);
-    return lanes::select(a < lanes::splat<V>(-kPi), a + lanes::splat<V>(kTwoPi), a);
+    const V units = lanes::splat<V>(12582912.0f);  // 1.5 * 2^23
+    const V turns = (a * lanes::splat<V>(float(0.5 / ALGO_PI)) + units) - units;
+    return a - turns * lanes::splat<V>(kTwoPi);
 }
 
 template <class V>
-ArcEnd<V> arc_end(const ArcEntries& m, const ArcForms& f, V sn, V cs) {
-    const auto entry = [&](int i) { return m[i][0] * sn + m[i][1] * cs + lanes::splat<V>(m[i][2]); };
+ArcEnd<V> arc_end(const ArcEntries& m, V sn, V cs) {
+    const auto entry = [&](int i) { return sinusoid(m[i], sn, cs); };
     const V r02 = entry(k02), r12 = entry(k12), r20 = entry(k20), r21 = entry(k21);
     ArcEnd<V> e;
     e.z = entry(k22);
     e.dz = m[k22][0] * cs - m[k22][1] * sn;
-    const V sb = lanes::sqrt(r02 * r02 + r12 * r12);
-    e.b = lanes::atan2_finite(sb, e.z);
-    const V a = lanes::atan2_finite(r12, r02), c = lanes::atan2_finite(r21, -r20);
-    e.angle[kArcA] = a;
-    e.angle[kArcC] = c;
-    e.angle[kArcSum] = within_half_turn(a + c);
-    e.angle[kArcDifference] = within_half_turn(a - c);
-    e.pair_slack = lanes::splat<V>(2.0f * kArcOuterSlack) / sb;
-    for (int i = 0; i < kArcAngles; ++i) {
-        const TurnForm& t = f.turn[i];
-        e.turn[i] = t.p * sn + t.q * cs + lanes::splat<V>(t.k);
-        e.bend[i] = t.p * cs - t.q * sn;
-    }
+    e.sb = lanes::sqrt(r02 * r02 + r12 * r12);
+    e.b = lanes::atan2_finite(e.sb, e.z);
+    e.a = lanes::atan2_finite(r12, r02);
+    e.c = lanes::atan2_finite(r21, -r20);
     return e;
+}
+
+// An angle's value at an end: a, c, a + c or a - c.
+template <class V>
+V arc_angle(const ArcEnd<V>& e, int i) {
+    switch (i) {
+        case kArcA:
+            return e.a;
+        case kArcC:
+            return e.c;
+        case kArcSum:
+            return within_half_turn(e.a + e.c);
+        default:
+            return within_half_turn(e.a - e.c);
+    }
 }
 
 // An arc of angles: every value within move of centre (move may be infinite).
@@ -136,67 +165,92 @@ struct Arc {
     V centre, move;
 };
 
-// What one triple sweeps over each lane's interval, from its ends lo and hi `width` apart (rad).
+// What one triple sweeps over each lane's interval, from its ends lo and hi `width` apart (rad),
+// whose sines and cosines of the arm angle are (sn_lo, cs_lo) and (sn_hi, cs_hi). b's arc comes
+// first; the others' one at a time, as asked for, so that few values wait at once.
 template <class V>
-struct TripleArcs {
-    Arc<V> angle[kArcAngles];
-    Arc<V> b;  // within [0, pi]
-};
-
-template <class V>
-TripleArcs<V> triple_arcs(const ArcForms& f, const ArcEnd<V>& lo, const ArcEnd<V>& hi, V width) {
+class TripleArcs {
     using I = lanes::MaskOf<V>;
-    const V zero = lanes::splat<V>(0.0f), half = lanes::splat<V>(0.5f), one = lanes::splat<V>(1.0f);
-    const V turn = lanes::splat<V>(kTwoPi), pi = lanes::splat<V>(kPi);
-    TripleArcs<V> out;
-    // r22's range, and b's, exact but for rounding.
-    const I z_peak = (lo.dz > zero) & (hi.dz < zero), z_trough = (lo.dz < zero) & (hi.dz > zero);
-    const V z_max = lanes::select(z_peak, lanes::splat<V>(f.z_top), lanes::max(lo.z, hi.z));
-    const V z_min = lanes::select(z_trough, lanes::splat<V>(f.z_bottom), lanes::min(lo.z, hi.z));
-    const V b_min = lanes::select(z_peak, lanes::splat<V>(f.b_top), lanes::min(lo.b, hi.b));
-    const V b_max = lanes::select(z_trough, lanes::splat<V>(f.b_bottom), lanes::max(lo.b, hi.b));
-    out.b = {half * (b_min + b_max), half * (b_max - b_min) + lanes::splat<V>(kArcSlack)};
-    // |sin b|, cos(b / 2) and sin(b / 2) at their least over the interval.
-    const V z_far = lanes::max(z_max * z_max, z_min * z_min);
-    const V sin_b = lanes::sqrt(lanes::max(one - z_far - lanes::splat<V>(kArcSinSquaredSlack), zero));
-    const V cos_half = lanes::sqrt(lanes::max(half + half * z_min, zero));
-    const V sin_half = lanes::sqrt(lanes::max(half - half * z_max, zero));
-    // The solver's a and c carry its rounding over sin b; a + c (a - c) is as well defined as
-    // the entries it comes from only while b stays within the upper (lower) half turn.
-    const V outer = lanes::splat<V>(2.0f * kArcOuterSlack) / sin_b;
-    const V inf = lanes::splat<V>(INFINITY);
-    const V rate[kArcAngles] = {one / sin_b, one / sin_b, one / cos_half, one / sin_half};
-    const V single = lanes::select(sin_b > lanes::splat<V>(kArcSingular), outer, inf);
-    // a + c and a - c at the ends come from a and c; whether they turn one way, from entries of
-    // size 1 + cos b and 1 - cos b.
-    const V ends = lanes::max(lo.pair_slack, hi.pair_slack), form = lanes::splat<V>(kArcOuterSlack);
-    const V slack[kArcAngles] = {single, single,
-                                 ends + form / (one + z_min) + lanes::select(z_min >= zero, zero, outer),
-                                 ends + form / (one - z_max) + lanes::select(z_max <= zero, zero, outer)};
-    for (int i = 0; i < kArcAngles; ++i) {
-        const TurnForm& t = f.turn[i];
-        const I trough = (lo.bend[i] < zero) & (hi.bend[i] > zero),
-                peak = (lo.bend[i] > zero) & (hi.bend[i] < zero);
-        const V least =
-            lanes::select(trough, lanes::splat<V>(t.k - t.amplitude), lanes::min(lo.turn[i], hi.turn[i]));
-        const V most =
-            lanes::select(peak, lanes::splat<V>(t.k + t.amplitude), lanes::max(lo.turn[i], hi.turn[i]));
-        const I up = least > lanes::splat<V>(t.margin), down = most < lanes::splat<V>(-t.margin);
-        const V delta = hi.angle[i] - lo.angle[i];  // within a turn either way
+
+public:
+    Arc<V> b;  // within [0, pi]
+
+    TripleArcs(const ArcForms& f, const ArcEnd<V>& lo, const ArcEnd<V>& hi, V sn_lo, V cs_lo, V sn_hi,
+               V cs_hi, V width)
+        : f_(f), lo_(lo), hi_(hi), sn_lo_(sn_lo), cs_lo_(cs_lo), sn_hi_(sn_hi), cs_hi_(cs_hi), width_(width) {
+        const V zero = lanes::splat<V>(0.0f), half = lanes::splat<V>(0.5f), one = lanes::splat<V>(1.0f);
+        // r22's range, and b's, exact but for rounding.
+        const I z_peak = (lo.dz > zero) & (hi.dz < zero), z_trough = (lo.dz < zero) & (hi.dz > zero);
+        z_max_ = lanes::select(z_peak, lanes::splat<V>(f.z_top), lanes::max(lo.z, hi.z));
+        z_min_ = lanes::select(z_trough, lanes::splat<V>(f.z_bottom), lanes::min(lo.z, hi.z));
+        const V b_min = lanes::select(z_peak, lanes::splat<V>(f.b_top), lanes::min(lo.b, hi.b));
+        const V b_max = lanes::select(z_trough, lanes::splat<V>(f.b_bottom), lanes::max(lo.b, hi.b));
+        b = {half * (b_min + b_max), half * (b_max - b_min) + lanes::splat<V>(kArcSlack)};
+        // |sin b| at its least over the interval.
+        const V z_far = lanes::max(z_max_ * z_max_, z_min_ * z_min_);
+        sin_b_ = lanes::sqrt(lanes::max(one - z_far - lanes::splat<V>(kArcSinSquaredSlack), zero));
+        // The solver's a and c carry its rounding over sin b.
+        outer_ = lanes::splat<V>(2.0f * kArcOuterSlack) / sin_b_;
+    }
+
+    // a, c, a + c or a - c.
+    Arc<V> angle(int i) const {
+        const V zero = lanes::splat<V>(0.0f), half = lanes::splat<V>(0.5f), one = lanes::splat<V>(1.0f);
+        const V turn = lanes::splat<V>(kTwoPi), pi = lanes::splat<V>(kPi), inf = lanes::splat<V>(INFINITY);
+        const TurnForm& t = f_.turn[i];
+        const V from = arc_angle(lo_, i);
+        const V delta = arc_angle(hi_, i) - from;  // within a turn either way
         const V swept_up = lanes::select(delta < zero, delta + turn, delta);
         const V swept_down = lanes::select(delta > zero, turn - delta, -delta);
-        // Elsewhere the arc around the ends' middle within the rate's bound either way.
-        const V shortest =
-            lanes::select(delta > pi, delta - turn, lanes::select(delta < -pi, delta + turn, delta));
-        const V reach = rate[i] * width;
-        const V loose = lanes::select(reach < pi, half * reach, inf);
-        const V sweep =
-            lanes::select(up, half * swept_up, lanes::select(down, -half * swept_down, half * shortest));
-        const V move = lanes::select(up, half * swept_up, lanes::select(down, half * swept_down, loose));
-        out.angle[i] = {lo.angle[i] + sweep, move + slack[i] + lanes::splat<V>(kArcSlack)};
+        V sweep, move;
+        if (t.way > 0) {  // the same way at every arm angle: no need to look
+            sweep = move = half * swept_up;
+        } else if (t.way < 0) {
+            move = half * swept_down;
+            sweep = -move;
+        } else {
+            const V turn_lo = t.p * sn_lo_ + (t.q * cs_lo_ + lanes::splat<V>(t.k));
+            const V turn_hi = t.p * sn_hi_ + (t.q * cs_hi_ + lanes::splat<V>(t.k));
+            const V bend_lo = t.p * cs_lo_ - t.q * sn_lo_, bend_hi = t.p * cs_hi_ - t.q * sn_hi_;
+            const I trough = (bend_lo < zero) & (bend_hi > zero), peak = (bend_lo > zero) & (bend_hi < zero);
+            const V least = lanes::select(trough, lanes::splat<V>(t.least), lanes::min(turn_lo, turn_hi));
+            const V most = lanes::select(peak, lanes::splat<V>(t.most), lanes::max(turn_lo, turn_hi));
+            const I up = least > lanes::splat<V>(t.margin), down = most < lanes::splat<V>(t.low_margin);
+            // Elsewhere the arc around the ends' middle within the rate's bound either way: 1 / |sin b|
+            // for a and c, 1 / cos(b / 2) for a + c and 1 / sin(b / 2) for a - c, at their least.
+            const V shortest =
+                lanes::select(delta > pi, delta - turn, lanes::select(delta < -pi, delta + turn, delta));
+            const V rate = i == kArcSum          ? one / lanes::sqrt(lanes::max(half + half * z_min_, zero))
+                           : i == kArcDifference ? one / lanes::sqrt(lanes::max(half - half * z_max_, zero))
+                                                 : one / sin_b_;
+            const V reach = rate * width_;
+            const V loose = lanes::select(reach < pi, half * reach, inf);
+            sweep =
+                lanes::select(up, half * swept_up, lanes::select(down, -half * swept_down, half * shortest));
+            move = lanes::select(up, half * swept_up, lanes::select(down, half * swept_down, loose));
+        }
+        return {from + sweep, move + slack(i) + lanes::splat<V>(kArcSlack)};
     }
-    return out;
-}
+
+private:
+    // a + c (a - c) is as well defined as the entries it comes from only while b stays within the
+    // upper (lower) half turn; at the ends it comes from a and c; whether it turns one way, from
+    // entries of size 1 + cos b (1 - cos b).
+    V slack(int i) const {
+        const V zero = lanes::splat<V>(0.0f), one = lanes::splat<V>(1.0f);
+        if (i == kArcA || i == kArcC)
+            return lanes::select(sin_b_ > lanes::splat<V>(kArcSingular), outer_, lanes::splat<V>(INFINITY));
+        const V ends = lanes::splat<V>(2.0f * kArcOuterSlack) / lanes::min(lo_.sb, hi_.sb);
+        const V form = lanes::splat<V>(kArcOuterSlack);
+        return i == kArcSum ? ends + form / (one + z_min_) + lanes::select(z_min_ >= zero, zero, outer_)
+                            : ends + form / (one - z_max_) + lanes::select(z_max_ <= zero, zero, outer_);
+    }
+
+    const ArcForms& f_;
+    const ArcEnd<V>&lo_, &hi_;
+    V sn_lo_, cs_lo_, sn_hi_, cs_hi_, width_;
+    V z_max_, z_min_, sin_b_, outer_;
+};
 
 }  // namespace algo::ik
 

@@ -33,25 +33,26 @@ public:
                 entries_of(*shoulder[p], p, parts_[e][0]);
                 entries_of(wrist, p, parts_[e][1]);
             }
-            for (int k = 0; k < 2; ++k) forms_[e][k] = arc_forms(parts_[e][k]);
             const float q4 = joint_value(in, 3, b.t4);
             const float d4 = std::fmax(0.0f, std::fabs(q4 - in.q_ref[3]) - kAngleSlack);
             joint4_[e] = q4 >= in.limits.min[3] && q4 <= in.limits.max[3] ? d4 * d4 : INFINITY;
+            forms_ready_[e] = false;
         }
         for (int k = 0; k < 2; ++k) {
             for (int i = 0; i < 3; ++i) {
                 const int j = 4 * k + i;
-                joints_[k].ref[i] = in.q_ref[j];
-                joints_[k].angle[i] = std::remainder(theta_ref[j], kTwoPi);
+                // Mostly within half a turn already, where the remainder is the angle itself.
+                const float angle = theta_ref[j];
+                joints_[k].angle[i] = std::fabs(angle) <= kPi ? angle : std::remainder(angle, kTwoPi);
                 const float lo = in.limits.min[j], hi = in.limits.max[j];
-                joints_[k].lo[i] = lo;
-                joints_[k].hi[i] = hi;
+                joints_[k].lo[i] = lo - in.q_ref[j];
+                joints_[k].hi[i] = hi - in.q_ref[j];
                 const float nearest = std::fmin(hi, std::fmax(lo, in.q_ref[j]));
-                joints_[k].outside[i] = std::fabs(in.q_ref[j] - nearest);
+                joints_[k].outside[i] = std::fabs(in.q_ref[j] - nearest) - kBoundSlack;
                 joints_[k].shift[i] =
                     in.q_ref[j] == nearest ? 0.0f : std::remainder(in.q_ref[j] - nearest, kTwoPi);
-                joints_[k].lo_seen[i] = lo - nearest;
-                joints_[k].hi_seen[i] = hi - nearest;
+                joints_[k].lo_seen[i] = lo - nearest - kBoundSlack;
+                joints_[k].hi_seen[i] = hi - nearest + kBoundSlack;
             }
             const float first = joints_[k].angle[0], last = joints_[k].angle[2];
             joints_[k].pair[0] = wrapped(first + last);
@@ -79,15 +80,21 @@ public:
 
     using Floors = FloorsOf<lanes::F4>;
 
-    // The elbow signs whose joint 4 alone leaves a branch that may cost less than best.
-    int elbows_below(double best) const {
-        int elbows = 0;
-        for (int e = 0; e < 2; ++e) elbows |= may_beat(joint4_[e], best) ? 1 << e : 0;
-        return elbows;
-    }
+    // The elbow signs whose joint 4 alone leaves a branch that may cost less than the best whose
+    // cut (see cut()) is `cut`.
+    int elbows_below(float cut) const { return (joint4_[0] < cut ? 1 : 0) | (joint4_[1] < cut ? 2 : 0); }
 
     // True when a branch whose floor is `floor` may cost less than best.
     static bool may_beat(float floor, double best) { return below(floor) < best; }
+    // The least floor that cannot beat best: may_beat(floor, best) is floor < cut(best).
+    static float cut(double best) {
+        float f = static_cast<float>((best + kSlack) / (1.0 - kRelativeSlack));
+        while (below(f) < best) f = std::nextafter(f, INFINITY);
+        for (float lower = std::nextafter(f, -INFINITY); below(lower) >= best;
+             lower = std::nextafter(f, -INFINITY))
+            f = lower;
+        return f;
+    }
 
     // At the arm angles whose sines and cosines are sn and cs, for the elbow signs of `elbows`
     // (infinite for the others).
@@ -117,12 +124,23 @@ public:
                 f.elbow[e] = lanes::splat<V>(INFINITY);
                 continue;
             }
+            // Made on first use: many calls leave one elbow sign to joint 4 and single arm angles.
+            if (!forms_ready_[e]) {
+                for (int k = 0; k < 2; ++k) arc_forms(parts_[e][k], forms_[e][k]);
+                bends_at_extremes(forms_[e][0], forms_[e][1]);
+                forms_ready_[e] = true;
+            }
             V sum = lanes::splat<V>(joint4_[e]);
             for (int k = 0; k < 2; ++k) {
                 const ArcForms& forms = forms_[e][k];
-                const TripleArcs<V> arcs = triple_arcs(forms, arc_end(parts_[e][k], forms, sn_lo, cs_lo),
-                                                       arc_end(parts_[e][k], forms, sn_hi, cs_hi), width);
-                sum += arcs_floor(arcs, joints_[k]);
+                // Each end reads the entries afresh: held over from the other end, lane-wide, they
+                // would wait on the stack.
+                const ArcEntries* entries = &parts_[e][k];
+                const ArcEnd<V> lo = arc_end(*entries, sn_lo, cs_lo);
+                asm("" : "+r"(entries));
+                const ArcEnd<V> hi = arc_end(*entries, sn_hi, cs_hi);
+                sum +=
+                    arcs_floor(TripleArcs<V>(forms, lo, hi, sn_lo, cs_lo, sn_hi, cs_hi, width), joints_[k]);
             }
             f.elbow[e] = sum;
         }
@@ -150,11 +168,12 @@ private:
         }
     }
 
-    // Per joint of one Z-Y-Z triple: the reference's value, its angle (offset in, within half a
-    // turn), the limits; and from the in-limit value nearest the reference: the reference's
-    // distance and turn (within half a turn), and the limits.
+    // Per joint of one Z-Y-Z triple: the reference's angle (offset in, within half a turn), the
+    // limits seen from the reference's value; and from the in-limit value nearest the reference:
+    // the reference's distance and turn (within half a turn), and the limits. For the bounds over
+    // runs, the distance is narrowed and the limits seen from there widened by kBoundSlack.
     struct Joints {
-        float ref[3], angle[3], lo[3], hi[3], outside[3], shift[3];
+        float angle[3], lo[3], hi[3], outside[3], shift[3];
         float lo_seen[3], hi_seen[3];  // the limits, from the nearest value
         float pair[2];                 // the reference's a + c and a - c, within half a turn
     };
@@ -175,13 +194,11 @@ private:
         using I = lanes::MaskOf<V>;
         const V turn = lanes::splat<V>(kTwoPi), zero = lanes::splat<V>(0.0f);
         const V lo = lanes::splat<V>(j.lo[i]) - slack, hi = lanes::splat<V>(j.hi[i]) + slack;
-        const V ref = lanes::splat<V>(j.ref[i]);
         const V near = lanes::abs(delta) - slack;
         const V d = lanes::max(near, zero);
-        const V q = ref + delta;
-        const I below = q < lo, above = q > hi;
-        const V moved = q + lanes::select(below, turn, zero) - lanes::select(above, turn, zero);
-        const V far_raw = lanes::abs(moved - ref) - slack;
+        const I below = delta < lo, above = delta > hi;
+        const V moved = delta + lanes::select(below, turn, zero) - lanes::select(above, turn, zero);
+        const V far_raw = lanes::abs(moved) - slack;
         const V far = lanes::max(far_raw, zero);
         const V moved_floor =
             lanes::select((moved < lo) | (moved > hi), lanes::splat<V>(INFINITY), far * far);
@@ -198,8 +215,7 @@ private:
     template <class V>
     static V joint_bound(V delta, V move, const Joints& j, int i) {
         const V zero = lanes::splat<V>(0.0f);
-        const V lo = lanes::splat<V>(j.lo_seen[i] - kBoundSlack),
-                hi = lanes::splat<V>(j.hi_seen[i] + kBoundSlack);
+        const V lo = lanes::splat<V>(j.lo_seen[i]), hi = lanes::splat<V>(j.hi_seen[i]);
         const V centre = within_half_turn(delta + lanes::splat<V>(j.shift[i]));
         const V across =
             centre + lanes::select(centre > zero, lanes::splat<V>(-kTwoPi), lanes::splat<V>(kTwoPi));
@@ -211,7 +227,7 @@ private:
             const V apart = lanes::max(in_lo, -in_hi);
             gap = lanes::select(in_lo <= in_hi, lanes::min(gap, lanes::max(apart, zero)), gap);
         }
-        const V raw = gap + lanes::splat<V>(j.outside[i] - kBoundSlack);
+        const V raw = gap + lanes::splat<V>(j.outside[i]);
         const V d = lanes::max(raw, zero);
         return d * d;
     }
@@ -225,8 +241,7 @@ private:
     template <class V>
     static Triple<V> triple_angles(const ArcEntries& m, const Joints& j, V sn, V cs) {
         V r[kArcEntries];
-        for (const int i : {k02, k12, k22, k00, k10, k20})
-            r[i] = m[i][0] * sn + m[i][1] * cs + lanes::splat<V>(m[i][2]);
+        for (const int i : {k02, k12, k22, k00, k10, k20}) r[i] = sinusoid(m[i], sn, cs);
         Triple<V> t;
         t.sb = lanes::sqrt(r[k02] * r[k02] + r[k12] * r[k12]);
         // a, b and c as the solver forms them (c's direction times sin b), from finite entries.
@@ -266,25 +281,25 @@ private:
             return lanes::max(lanes::abs(within_half_turn(arc.centre - lanes::splat<V>(ref))) - arc.move,
                               zero);
         };
-        const V d = apart(arcs.angle[kArcSum], j.pair[0]), e = apart(arcs.angle[kArcDifference], j.pair[1]);
+        const V d = apart(arcs.angle(kArcSum), j.pair[0]), e = apart(arcs.angle(kArcDifference), j.pair[1]);
         const V pair = lanes::splat<V>(0.5f) * (d * d + e * e);
-        const Arc<V>& a = arcs.angle[kArcA];
-        const Arc<V>& c = arcs.angle[kArcC];
-        const auto from_ref = [&](V centre, int i) {
-            return within_half_turn(centre - lanes::splat<V>(j.angle[i]));
-        };
-        const V da = from_ref(a.centre, 0), dc = from_ref(c.centre, 2);
-        const V own = lanes::max(joint_bound(da, a.move, j, 0) + joint_bound(dc, c.move, j, 2), pair) +
+        // On any turn: joint_bound takes it within half a turn.
+        const auto from_ref = [&](V centre, int i) { return centre - lanes::splat<V>(j.angle[i]); };
+        const Arc<V> a = arcs.angle(kArcA);
+        const V da = from_ref(a.centre, 0);
+        const V own_a = joint_bound(da, a.move, j, 0), twin_a = joint_bound(twin_of(da), a.move, j, 0);
+        const Arc<V> c = arcs.angle(kArcC);
+        const V dc = from_ref(c.centre, 2);
+        const V own = lanes::max(own_a + joint_bound(dc, c.move, j, 2), pair) +
                       joint_bound(from_ref(arcs.b.centre, 1), arcs.b.move, j, 1);
-        const V twin =
-            lanes::max(joint_bound(twin_of(da), a.move, j, 0) + joint_bound(twin_of(dc), c.move, j, 2),
-                       pair) +
-            joint_bound(from_ref(-arcs.b.centre, 1), arcs.b.move, j, 1);
+        const V twin = lanes::max(twin_a + joint_bound(twin_of(dc), c.move, j, 2), pair) +
+                       joint_bound(from_ref(-arcs.b.centre, 1), arcs.b.move, j, 1);
         return lanes::min(own, twin);
     }
 
     ArcEntries parts_[2][2];  // per elbow sign: shoulder, wrist
-    ArcForms forms_[2][2];
+    mutable ArcForms forms_[2][2];
+    mutable bool forms_ready_[2];
     Joints joints_[2];  // 1-3 and 5-7
     float joint4_[2];   // joint 4's squared distance, infinite outside its limits
 };

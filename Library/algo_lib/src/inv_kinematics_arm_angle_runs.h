@@ -12,23 +12,21 @@
 namespace algo::ik {
 
 struct GridRun {
-    float key;       // the lesser of the floors
     float floor[2];  // per elbow sign
-    int16_t first;   // grid step of the arm angle nearest the reference's
+    int16_t low;     // signed grid step of its lowest arm angle: negative below the reference's
     int16_t count;   // of steps
-    int8_t side;     // +1 above the reference's arm angle, -1 below
 };
 
-// A binary heap of keys and places, the runs themselves staying where they were put: the sifts move
-// eight bytes at a time. Capacity bounds the runs ever pushed between clears.
+// A binary heap of runs with their keys (each run's least floor, or a cheaper bound), sixteen
+// bytes an entry. Capacity bounds the runs waiting at once.
 template <int Capacity>
 class RunQueue {
 public:
     bool empty() const { return size_ == 0; }
-    const GridRun& top() const { return runs_[heap_[0].place]; }
-    void push(const GridRun& run) {
-        runs_[stored_] = run;
-        const Entry entry{run.key, stored_++};
+    const GridRun& top() const { return heap_[0].run; }
+    float top_key() const { return heap_[0].key; }
+    void push(const GridRun& run, float key) {
+        const Entry entry{key, run};
         int hole = size_++;
         while (hole > 0) {
             const int parent = (hole - 1) / 2;
@@ -38,9 +36,9 @@ public:
         }
         heap_[hole] = entry;
     }
-    void clear() { size_ = stored_ = 0; }
+    void clear() { size_ = 0; }
     GridRun pop() {
-        const GridRun run = runs_[heap_[0].place];
+        const GridRun run = heap_[0].run;
         const Entry last = heap_[--size_];
         int hole = 0;
         for (int child = 1; child < size_; child = 2 * hole + 1) {
@@ -56,12 +54,10 @@ public:
 private:
     struct Entry {
         float key;
-        int place;  // in runs_
+        GridRun run;
     };
     std::array<Entry, Capacity> heap_;
-    std::array<GridRun, Capacity> runs_;
     int size_ = 0;
-    int stored_ = 0;
 };
 
 }  // namespace algo::ik

@@ -304,43 +304,44 @@ private:
         RunQueue<kMaxRoots> roots;
         for (const int side : {1, -1}) {
             for (int first = 1; first <= steps; first += kRootRun) {
-                GridRun run;
-                run.first = static_cast<int16_t>(first);
-                run.count = static_cast<int16_t>(std::min(kRootRun, steps - first + 1));
-                run.side = static_cast<int8_t>(side);
+                const int count = std::min(kRootRun, steps - first + 1), last = first + count - 1;
                 const double near = static_cast<double>(first) * Q_STEP_MIN;
-                const double far = static_cast<double>(first + run.count - 1) * Q_STEP_MIN;
-                run.key = !keyed    ? -INFINITY
-                          : side > 0 ? static_cast<float>(lowest_cost_between(turning, near, far))
-                                     : static_cast<float>(lowest_cost_between(turning, -far, -near));
-                if (CostFloor::may_beat(run.key, best_)) roots.push(run);
+                const double far = static_cast<double>(last) * Q_STEP_MIN;
+                const float key = !keyed     ? -INFINITY
+                                  : side > 0 ? static_cast<float>(lowest_cost_between(turning, near, far))
+                                             : static_cast<float>(lowest_cost_between(turning, -far, -near));
+                const GridRun run{{-INFINITY, -INFINITY},
+                                  static_cast<int16_t>(side > 0 ? first : -last),
+                                  static_cast<int16_t>(count)};
+                if (CostFloor::may_beat(key, best_)) roots.push(run, key);
             }
         }
         Queue queue;
         RunBatch batch;
         while (!roots.empty() || !queue.empty()) {
-            if (!roots.empty() && (queue.empty() || roots.top().key < queue.top().key)) {
-                if (!CostFloor::may_beat(roots.top().key, best_)) {
+            if (!roots.empty() && (queue.empty() || roots.top_key() < queue.top_key())) {
+                if (!CostFloor::may_beat(roots.top_key(), best_)) {
                     roots.clear();  // nor can any root after it
                     continue;
                 }
                 // With the next cheapest that could beat it too, a pass's worth.
-                while (batch.size < kLanes && !roots.empty() && CostFloor::may_beat(roots.top().key, best_))
-                    batch.add(roots.pop(), nullptr);
+                while (batch.size < kLanes && !roots.empty() && CostFloor::may_beat(roots.top_key(), best_))
+                    batch.add(roots.pop());
                 bound_runs(batch, queue);
                 continue;
             }
+            if (!CostFloor::may_beat(queue.top_key(), best_)) return;  // every floor left is higher
             const GridRun run = queue.pop();
-            if (!CostFloor::may_beat(run.key, best_)) return;  // every floor left is higher
             if (run.count == 1) {
                 int elbows = 0;
                 for (int e = 0; e < 2; ++e) elbows |= CostFloor::may_beat(run.floor[e], best_) ? 1 << e : 0;
-                evaluate(grid_angle(run.first, run.side), elbows, walk_order(run.first, run.side));
+                const int step = std::abs(run.low), side = run.low > 0 ? 1 : -1;
+                evaluate(grid_angle(step, side), elbows, walk_order(step, side));
                 continue;
             }
             // Split, with the next waiting runs whose parts fill the pass's lanes.
             batch.split(run);
-            while (!queue.empty() && batch.fits(queue.top()) && CostFloor::may_beat(queue.top().key, best_))
+            while (!queue.empty() && batch.fits(queue.top()) && CostFloor::may_beat(queue.top_key(), best_))
                 batch.split(queue.pop());
             bound_runs(batch, queue);
         }
@@ -359,10 +360,11 @@ private:
     using Queue = RunQueue<4 * kMaxSteps>;
 
     // Runs whose floors come in one pass, a lane each, with the floors of the runs they were split
-    // from: those hold for them too.
+    // from: those hold for them too. By lanes, so that a pass reads them as vectors.
+    using Steps = lanes::MaskOf<Wide>;
     struct RunBatch {
-        GridRun run[kLanes];
-        float inherited[kLanes][2];
+        Steps low, count;   // as GridRun's
+        Wide inherited[2];  // per elbow sign
         int size = 0;
         bool singles = false;  // every run one step: their floors at single arm angles
 
@@ -375,20 +377,28 @@ private:
         bool fits(const GridRun& run) const {
             return run.count > 1 && parts_of(run) <= kLanes - size && (span_of(run) == 1) == singles;
         }
-        void add(const GridRun& part, const GridRun* parent) {
-            run[size] = part;
-            for (int e = 0; e < 2; ++e) inherited[size][e] = parent ? parent->floor[e] : -INFINITY;
-            singles = part.count == 1 && (size == 0 || singles);
-            ++size;
+        void add(const GridRun& run) {
+            singles = run.count == 1 && (size == 0 || singles);
+            put(size++, run.low, run.count, run.floor);
         }
+        // From the end nearest the reference's arm angle outwards, the last part the rest. Parts
+        // join a batch of their own span, one step or more (see fits).
         void split(const GridRun& parent) {
-            const int span = span_of(parent), end = parent.first + parent.count;
-            for (int first = parent.first; first < end; first += span) {
-                GridRun part = parent;
-                part.first = static_cast<int16_t>(first);
-                part.count = static_cast<int16_t>(std::min(span, end - first));
-                add(part, &parent);
+            const int span = span_of(parent), parts = parts_of(parent);
+            const int side = parent.low > 0 ? 1 : -1;
+            const int near = side > 0 ? parent.low : -(parent.low + parent.count - 1),
+                      end = near + parent.count;
+            for (int i = 0; i < parts; ++i) {
+                const int first = near + i * span, n = std::min(span, end - first);
+                put(size + i, side > 0 ? first : -(first + n - 1), n, parent.floor);
             }
+            singles = span == 1;
+            size += parts;
+        }
+        void put(int lane, int run_low, int run_count, const float (&floor)[2]) {
+            low[lane] = run_low;
+            count[lane] = run_count;
+            for (int e = 0; e < 2; ++e) inherited[e][lane] = floor[e];
         }
     };
 
@@ -396,37 +406,60 @@ private:
     // elbow sign is left out where no run's inherited floor or joint 4 alone lets it beat the best.
     void bound_runs(RunBatch& batch, Queue& queue) {
         if (batch.size == 0) return;
+        const float cut = cut_below(best_);
+        // Lanes past the runs repeat the last, beating nothing.
+        for (int lane = batch.size; lane < kLanes; ++lane) {
+            batch.low[lane] = batch.low[batch.size - 1];
+            batch.count[lane] = batch.count[batch.size - 1];
+            for (int e = 0; e < 2; ++e) batch.inherited[e][lane] = INFINITY;
+        }
         int elbows = 0;
-        for (int lane = 0; lane < batch.size; ++lane) {
-            for (int e = 0; e < 2; ++e)
-                elbows |= CostFloor::may_beat(batch.inherited[lane][e], best_) ? 1 << e : 0;
-        }
-        elbows &= floor().elbows_below(best_);
-        // A run's arm angles lie between its ends'.
-        Wide lo{}, hi{}, width{};
-        for (int lane = 0; lane < kLanes; ++lane) {
-            const GridRun& run = batch.run[std::min(lane, batch.size - 1)];
-            const int last = run.first + run.count - 1;
-            lo[lane] = grid_angle(run.side > 0 ? run.first : last, run.side);
-            hi[lane] = grid_angle(run.side > 0 ? last : run.first, run.side);
-            width[lane] = static_cast<float>(run.count - 1) * Q_STEP_MIN + kReachSlack;
-        }
+        for (int e = 0; e < 2; ++e)
+            elbows |= algo::lanes::lane_bits(batch.inherited[e] < lanes::splat<Wide>(cut)) != 0 ? 1 << e : 0;
+        // Read afresh each pass: the compiler would otherwise hold the floor's every coefficient,
+        // lane-wide, across the whole search, far more than the registers.
+        const CostFloor* bounds = &floor();
+        asm("" : "+r"(bounds));
+        elbows &= bounds->elbows_below(cut);
+        // A run's arm angles lie between its ends'. The grid's offsets are rounded apart from the
+        // sum, as grid_angle's table has them.
+        const Wide step = lanes::splat<Wide>(Q_STEP_MIN), psi0 = lanes::splat<Wide>(psi0_);
+        Wide low_offset = __builtin_convertvector(batch.low, Wide) * step;
+        Wide high_offset = __builtin_convertvector(batch.low + batch.count - 1, Wide) * step;
+        asm("" : "+m"(low_offset), "+m"(high_offset));
+        const Wide lo = psi0 + low_offset, hi = psi0 + high_offset;
+        const Wide width =
+            __builtin_convertvector(batch.count - 1, Wide) * step + lanes::splat<Wide>(kReachSlack);
         // Grid arm angles are within a few turns: no lane needs the library's reduction.
         Wide sn_lo, cs_lo;
         lanes::sincos_reducible(lo, sn_lo, cs_lo);
         Wide sn_hi, cs_hi;
         if (!batch.singles) lanes::sincos_reducible(hi, sn_hi, cs_hi);
         const CostFloor::FloorsOf<Wide> floors = batch.singles
-                                                     ? floor().at(sn_lo, cs_lo, elbows)
-                                                     : floor().over(sn_lo, cs_lo, sn_hi, cs_hi, width, elbows);
-        for (int lane = 0; lane < batch.size; ++lane) {
-            GridRun& run = batch.run[lane];
-            for (int e = 0; e < 2; ++e)
-                run.floor[e] = std::max(floors.elbow[e][lane], batch.inherited[lane][e]);
-            run.key = std::min(run.floor[0], run.floor[1]);
-            if (CostFloor::may_beat(run.key, best_)) queue.push(run);
+                                                     ? bounds->at(sn_lo, cs_lo, elbows)
+                                                     : bounds->over(sn_lo, cs_lo, sn_hi, cs_hi, width, elbows);
+        const Wide floor0 = lanes::max(floors.elbow[0], batch.inherited[0]);
+        const Wide floor1 = lanes::max(floors.elbow[1], batch.inherited[1]);
+        const Wide key = lanes::min(floor0, floor1);
+        // The runs' lanes whose keys are below the cut, lowest first.
+        const int below = algo::lanes::lane_bits(key < lanes::splat<Wide>(cut)) & ((1 << batch.size) - 1);
+        for (int waiting = below; waiting != 0; waiting &= waiting - 1) {
+            const int lane = __builtin_ctz(waiting);
+            queue.push({{floor0[lane], floor1[lane]},
+                        static_cast<int16_t>(batch.low[lane]),
+                        static_cast<int16_t>(batch.count[lane])},
+                       key[lane]);
         }
         batch.size = 0;
+    }
+
+    // The least floor that cannot beat best (see CostFloor::may_beat), kept while best stays.
+    float cut_below(double best) {
+        if (best != cut_best_) {
+            cut_ = CostFloor::cut(best);
+            cut_best_ = best;
+        }
+        return cut_;
     }
 
     // The filters are made on first use: a call that settles at the reference's arm angle pays
@@ -608,6 +641,8 @@ private:
     AxisBlend axes_[2];  // of the reference's elbow sign, made on first use
     bool axes_ready_ = false;
     double best_ = INFINITY;
+    double cut_best_ = INFINITY;
+    float cut_ = INFINITY;
     int best_order_ = 0;         // walk_order of the answer's arm angle
     double ceiling_ = INFINITY;  // the cost of some grid arm angle
     bool own_within_ = false;  // the answer holds the reference's own branch, within the limits

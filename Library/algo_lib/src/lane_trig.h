@@ -28,12 +28,14 @@ using MaskOf = decltype(V{} < V{});
 template <class V>
 constexpr int kLanesOf = static_cast<int>(sizeof(V) / sizeof(float));
 
+// Eight lanes as lane 0 shuffled everywhere: the compiler builds a listed vector the baseline's way
+// even inlined into code for wider registers, four inserts and a lane copy where one broadcast does.
 template <class V = F4>
 inline V splat(float v) {
     if constexpr (kLanesOf<V> == 4) {
         return V{v, v, v, v};
     } else {
-        return V{v, v, v, v, v, v, v, v};
+        return __builtin_shuffle(V{v}, MaskOf<V>{});
     }
 }
 // Masks are whole lanes of ones or zeros, as comparisons give them: one blend where the
@@ -49,13 +51,6 @@ inline F4 sqrt(F4 v) {
     return F4{std::sqrt(v[0]), std::sqrt(v[1]), std::sqrt(v[2]), std::sqrt(v[3])};
 #endif
 }
-// Eight lanes in halves: the 256-bit instruction is no faster per lane.
-template <class V>
-    requires(kLanesOf<V> == 8)
-inline V sqrt(V v) {
-    const F4 lo = sqrt(F4{v[0], v[1], v[2], v[3]}), hi = sqrt(F4{v[4], v[5], v[6], v[7]});
-    return __builtin_shufflevector(lo, hi, 0, 1, 2, 3, 4, 5, 6, 7);
-}
 // The larger and the smaller of each pair of lanes; b where either is a NaN.
 #if defined(__SSE__)
 inline F4 max(F4 a, F4 b) { return __builtin_ia32_maxps(a, b); }
@@ -64,13 +59,6 @@ inline F4 min(F4 a, F4 b) { return __builtin_ia32_minps(a, b); }
 inline F4 max(F4 a, F4 b) { return select(a > b, a, b); }
 inline F4 min(F4 a, F4 b) { return select(a < b, a, b); }
 #endif
-// Eight lanes as written: the compiler has the instruction set's max and min for them.
-template <class V>
-    requires(kLanesOf<V> == 8)
-inline V max(V a, V b) { return a > b ? a : b; }
-template <class V>
-    requires(kLanesOf<V> == 8)
-inline V min(V a, V b) { return a < b ? a : b; }
 template <class V>
 inline V abs(V v) { return reinterpret_cast<V>(reinterpret_cast<MaskOf<V>>(v) & INT32_MAX); }
 template <class V>
@@ -87,6 +75,65 @@ inline bool any(M mask) {
     const L4 quarters = reinterpret_cast<L4>(mask);
     return ((quarters[0] | quarters[1]) | (quarters[2] | quarters[3])) != 0;
 }
+// One bit a lane, lane 0 lowest.
+inline int lane_bits(I4 mask) {
+#if defined(__SSE__)
+    return __builtin_ia32_movmskps(reinterpret_cast<F4>(mask));
+#else
+    return (mask[0] & 1) | (mask[1] & 2) | (mask[2] & 4) | (mask[3] & 8);
+#endif
+}
+
+// Square roots, maxima, minima and lane bits of eight lanes. Optimised builds inline the search's
+// and the pose calls' eight-lane code into their builds for 256-bit registers, where each is one
+// instruction (the compiler writes a max or min against zero as a compare and a mask).
+// Unoptimised builds keep functions out of line, compiled for the baseline: there the portable
+// forms, so that no call passes a vector between the two calling conventions.
+#if defined(__x86_64__) && defined(__OPTIMIZE__)
+template <class V>
+    requires(kLanesOf<V> == 8)
+[[gnu::target("avx")]] inline V sqrt(V v) {
+    return __builtin_ia32_sqrtps256(v);  // correctly rounded, as std::sqrt
+}
+template <class V>
+    requires(kLanesOf<V> == 8)
+[[gnu::target("avx")]] inline V max(V a, V b) {
+    return __builtin_ia32_maxps256(a, b);
+}
+template <class V>
+    requires(kLanesOf<V> == 8)
+[[gnu::target("avx")]] inline V min(V a, V b) {
+    return __builtin_ia32_minps256(a, b);
+}
+template <class M>
+    requires(sizeof(M) == sizeof(I8))
+[[gnu::target("avx")]] inline int lane_bits(M mask) {
+    return __builtin_ia32_movmskps256(reinterpret_cast<F8>(mask));
+}
+#else
+template <class V>
+    requires(kLanesOf<V> == 8)
+inline V sqrt(V v) {
+    const F4 lo = sqrt(F4{v[0], v[1], v[2], v[3]}), hi = sqrt(F4{v[4], v[5], v[6], v[7]});
+    return __builtin_shufflevector(lo, hi, 0, 1, 2, 3, 4, 5, 6, 7);
+}
+template <class V>
+    requires(kLanesOf<V> == 8)
+inline V max(V a, V b) {
+    return a > b ? a : b;
+}
+template <class V>
+    requires(kLanesOf<V> == 8)
+inline V min(V a, V b) {
+    return a < b ? a : b;
+}
+template <class M>
+    requires(sizeof(M) == sizeof(I8))
+inline int lane_bits(M mask) {
+    const I4 lo = {mask[0], mask[1], mask[2], mask[3]}, hi = {mask[4], mask[5], mask[6], mask[7]};
+    return lane_bits(lo) | lane_bits(hi) << 4;
+}
+#endif
 
 // Lanes the polynomial forms do not serve, from the C library; out of the hot path's code, so
 // by reference: a call from code built for wider registers passes no vectors by value.
