@@ -58,11 +58,12 @@ inline lanes::D2 high(lanes::F4 v) { return __builtin_convertvector(__builtin_sh
 
 // d * d, kept out of the sum it goes into: GCC, building for fused multiply-adds, fuses a product
 // into a later sum and would round the cost differently from the selection. Clang fuses within an
-// expression only.
+// expression only, and unoptimised builds fuse nothing (there the four-double form is compiled
+// out of line for the baseline, where no register could hold it for the barrier).
 template <class D>
 inline D square(D d) {
     D s = d * d;
-#if !defined(__clang__)
+#if !defined(__clang__) && defined(__OPTIMIZE__)
     asm("" : "+x"(s));
 #endif
     return s;
