@@ -320,9 +320,9 @@ private:
     static constexpr int kRootRun = kLanes * kLanes;  // steps
     static constexpr int kMaxRoots = 2 * ((kMaxSteps + kRootRun - 1) / kRootRun);
     static constexpr float kReachSlack = 1e-5f;  // rad, for the rounding of the arm angles
-    // Each run holds its steps, and is split into at least two: per side no more runs than twice
-    // the steps ever wait.
-    using Queue = RunQueue<4 * kMaxSteps>;
+    // A pass bounds roots, or the parts of runs it splits, at least one of which is a root or a
+    // root's part: parts of parts are single arm angles, which no pass splits.
+    using Queue = PassQueue<Wide, kMaxRoots * (2 + kLanes)>;
 
     // Runs whose floors come in one pass, a lane each, with the floors of the runs they were split
     // from: those hold for them too. By lanes, so that a pass reads them as vectors.
@@ -406,15 +406,14 @@ private:
         const Wide floor0 = lanes::max(floors.elbow[0], batch.inherited[0]);
         const Wide floor1 = lanes::max(floors.elbow[1], batch.inherited[1]);
         const Wide key = lanes::min(floor0, floor1);
-        // The runs' lanes whose keys are below the cut, lowest first.
-        const int below = algo::lanes::lane_bits(key < lanes::splat<Wide>(cut)) & ((1 << batch.size) - 1);
-        for (int waiting = below; waiting != 0; waiting &= waiting - 1) {
-            const int lane = __builtin_ctz(waiting);
-            queue.push({{floor0[lane], floor1[lane]},
-                        static_cast<int16_t>(batch.low[lane]),
-                        static_cast<int16_t>(batch.count[lane])},
-                       key[lane]);
-        }
+        // The runs' lanes whose keys are below the cut wait (the lanes past the runs have none).
+        typename Queue::Pass& pass = queue.next();
+        pass.key = lanes::select(key < lanes::splat<Wide>(cut), key, lanes::splat<Wide>(INFINITY));
+        pass.floor[0] = floor0;
+        pass.floor[1] = floor1;
+        pass.low = batch.low;
+        pass.count = batch.count;
+        queue.commit();
         batch.size = 0;
     }
 
