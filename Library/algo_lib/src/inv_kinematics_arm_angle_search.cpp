@@ -267,22 +267,26 @@ private:
         const SearchBound turning = keyed ? search_bound(in_, t_, theta_ref_.data(), psi0_) : SearchBound{};
         // Waiting in a heap rather than sorted: most calls look at a few roots only.
         RunQueue<kMaxRoots> roots;
+        Queue queue;
+        RunBatch batch;
         for (const int side : {1, -1}) {
             for (int first = 1; first <= steps; first += kRootRun) {
                 const int count = std::min(kRootRun, steps - first + 1), last = first + count - 1;
-                const double near = static_cast<double>(first) * Q_STEP_MIN;
-                const double far = static_cast<double>(last) * Q_STEP_MIN;
-                const float key = !keyed     ? -INFINITY
-                                  : side > 0 ? static_cast<float>(lowest_cost_between(turning, near, far))
-                                             : static_cast<float>(lowest_cost_between(turning, -far, -near));
                 const GridRun run{{-INFINITY, -INFINITY},
                                   static_cast<int16_t>(side > 0 ? first : -last),
                                   static_cast<int16_t>(count)};
+                if (!keyed) {
+                    batch.add(run);
+                    continue;
+                }
+                const double near = static_cast<double>(first) * Q_STEP_MIN;
+                const double far = static_cast<double>(last) * Q_STEP_MIN;
+                const float key = side > 0 ? static_cast<float>(lowest_cost_between(turning, near, far))
+                                           : static_cast<float>(lowest_cost_between(turning, -far, -near));
                 if (CostFloor::may_beat(key, best_)) roots.push(run, key);
             }
         }
-        Queue queue;
-        RunBatch batch;
+        bound_runs(batch, queue);  // the roots, when they fit one pass
         while (!roots.empty() || !queue.empty()) {
             if (!roots.empty() && (queue.empty() || roots.top_key() < queue.top_key())) {
                 if (!CostFloor::may_beat(roots.top_key(), best_)) {
