@@ -35,7 +35,11 @@ inline V splat(float v) {
     if constexpr (kLanesOf<V> == 4) {
         return V{v, v, v, v};
     } else {
+#if defined(__clang__)
+        return __builtin_shufflevector(V{v}, V{v}, 0, 0, 0, 0, 0, 0, 0, 0);
+#else
         return __builtin_shuffle(V{v}, MaskOf<V>{});
+#endif
     }
 }
 // Masks are whole lanes of ones or zeros, as comparisons give them: one blend where the
@@ -88,8 +92,9 @@ inline int lane_bits(I4 mask) {
 // and the pose calls' eight-lane code into their builds for 256-bit registers, where each is one
 // instruction (the compiler writes a max or min against zero as a compare and a mask).
 // Unoptimised builds keep functions out of line, compiled for the baseline: there the portable
-// forms, so that no call passes a vector between the two calling conventions.
-#if defined(__x86_64__) && defined(__OPTIMIZE__)
+// forms, so that no call passes a vector between the two calling conventions. Clang refuses such a
+// call even where it would inline it, and writes the portable forms as those instructions anyway.
+#if defined(__x86_64__) && defined(__OPTIMIZE__) && !defined(__clang__)
 template <class V>
     requires(kLanesOf<V> == 8)
 [[gnu::target("avx")]] inline V sqrt(V v) {
