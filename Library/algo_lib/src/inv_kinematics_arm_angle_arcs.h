@@ -11,6 +11,7 @@
 // wider arc. b = acos(r22) follows r22, whose range over the interval comes the same way. Not
 // part of the library's interface.
 
+#include <algorithm>
 #include <cmath>
 
 #include "inv_kinematics_internal.h"
@@ -93,8 +94,8 @@ inline void arc_forms(const ArcEntries& r, ArcForms& f) {
 // (within a few ulp; b's arcs carry kArcSlack).
 inline void bends_at_extremes(ArcForms& first, ArcForms& second) {
     using lanes::F4;
-    const F4 z = {std::fmin(1.0f, first.z_top), std::fmax(-1.0f, first.z_bottom), std::fmin(1.0f, second.z_top),
-                  std::fmax(-1.0f, second.z_bottom)};
+    const F4 z = {std::min(1.0f, first.z_top), std::max(-1.0f, first.z_bottom), std::min(1.0f, second.z_top),
+                  std::max(-1.0f, second.z_bottom)};
     const F4 one = lanes::splat(1.0f);
     const F4 b = lanes::atan2_finite(lanes::sqrt(lanes::max((one - z) * (one + z), lanes::splat(0.0f))), z);
     first.b_top = b[0];

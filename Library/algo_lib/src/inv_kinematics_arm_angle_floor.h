@@ -34,7 +34,7 @@ public:
                 entries_of(wrist, p, parts_[e][1]);
             }
             const float q4 = joint_value(in, 3, b.t4);
-            const float d4 = std::fmax(0.0f, std::fabs(q4 - in.q_ref[3]) - kAngleSlack);
+            const float d4 = std::max(0.0f, std::fabs(q4 - in.q_ref[3]) - kAngleSlack);
             joint4_[e] = q4 >= in.limits.min[3] && q4 <= in.limits.max[3] ? d4 * d4 : INFINITY;
             forms_ready_[e] = false;
         }
@@ -47,7 +47,7 @@ public:
                 const float lo = in.limits.min[j], hi = in.limits.max[j];
                 joints_[k].lo[i] = lo - in.q_ref[j];
                 joints_[k].hi[i] = hi - in.q_ref[j];
-                const float nearest = std::fmin(hi, std::fmax(lo, in.q_ref[j]));
+                const float nearest = std::min(hi, std::max(lo, in.q_ref[j]));
                 joints_[k].outside[i] = std::fabs(in.q_ref[j] - nearest) - kBoundSlack;
                 joints_[k].shift[i] =
                     in.q_ref[j] == nearest ? 0.0f : std::remainder(in.q_ref[j] - nearest, kTwoPi);

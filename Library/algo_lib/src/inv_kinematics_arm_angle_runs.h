@@ -7,7 +7,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdint>
+
+#include "lane_trig.h"
 
 namespace algo::ik {
 
@@ -17,16 +20,15 @@ struct GridRun {
     int16_t count;   // of steps
 };
 
-// A binary heap of runs with their keys (each run's least floor, or a cheaper bound), sixteen
-// bytes an entry. Capacity bounds the runs waiting at once.
-template <int Capacity>
-class RunQueue {
+// A binary heap of items with their keys. Capacity bounds the items waiting at once.
+template <class Item, int Capacity>
+class KeyHeap {
 public:
     bool empty() const { return size_ == 0; }
-    const GridRun& top() const { return heap_[0].run; }
+    const Item& top() const { return heap_[0].item; }
     float top_key() const { return heap_[0].key; }
-    void push(const GridRun& run, float key) {
-        const Entry entry{key, run};
+    void push(const Item& item, float key) {
+        const Entry entry{key, item};
         int hole = size_++;
         while (hole > 0) {
             const int parent = (hole - 1) / 2;
@@ -37,8 +39,8 @@ public:
         heap_[hole] = entry;
     }
     void clear() { size_ = 0; }
-    GridRun pop() {
-        const GridRun run = heap_[0].run;
+    Item pop() {
+        const Item item = heap_[0].item;
         const Entry last = heap_[--size_];
         int hole = 0;
         for (int child = 1; child < size_; child = 2 * hole + 1) {
@@ -48,15 +50,78 @@ public:
             hole = child;
         }
         heap_[hole] = last;
-        return run;
+        return item;
     }
 
 private:
     struct Entry {
         float key;
-        GridRun run;
+        Item item;
     };
     std::array<Entry, Capacity> heap_;
+    int size_ = 0;
+};
+
+// Runs with their keys (each run's least floor, or a cheaper bound), sixteen bytes an entry.
+template <int Capacity>
+using RunQueue = KeyHeap<GridRun, Capacity>;
+
+// Runs waiting where the pass that bounded them left them, by lanes of V. Most are never looked
+// at again, so the heap holds each pass once, keyed by its least waiting run, rather than each
+// run. MaxPasses bounds the passes in a search.
+template <class V, int MaxPasses>
+class PassQueue {
+public:
+    using Steps = algo::lanes::MaskOf<V>;
+    struct Pass {
+        V key;  // infinite in the lanes not waiting
+        V floor[2];  // per elbow sign
+        Steps low, count;  // as GridRun's
+    };
+
+    bool empty() const { return heap_.empty(); }
+    float top_key() const { return heap_.top_key(); }
+    GridRun top() const { return run_of(heap_.top()); }
+    GridRun pop() {
+        const Waiting w = heap_.pop();
+        passes_[w.pass].key[w.lane] = INFINITY;
+        wait(w.pass);
+        return run_of(w);
+    }
+    // The next pass's lanes, filled by the caller, then waiting; a pass with none waiting leaves
+    // its place to the next.
+    Pass& next() { return passes_[size_]; }
+    void commit() { size_ += wait(size_); }
+
+private:
+    struct Waiting {
+        int pass, lane;
+    };
+    GridRun run_of(const Waiting& w) const {
+        const Pass& p = passes_[w.pass];
+        return {{p.floor[0][w.lane], p.floor[1][w.lane]},
+                static_cast<int16_t>(p.low[w.lane]),
+                static_cast<int16_t>(p.count[w.lane])};
+    }
+    // The pass's least key waits, if any does; equal keys go lowest lane first.
+    bool wait(int pass) {
+        const V key = passes_[pass].key;
+        V least = key;
+        if constexpr (algo::lanes::kLanesOf<V> == 8) {
+            least = algo::lanes::min(least, __builtin_shuffle(least, Steps{4, 5, 6, 7, 0, 1, 2, 3}));
+            least = algo::lanes::min(least, __builtin_shuffle(least, Steps{2, 3, 0, 1, 6, 7, 4, 5}));
+            least = algo::lanes::min(least, __builtin_shuffle(least, Steps{1, 0, 3, 2, 5, 4, 7, 6}));
+        } else {
+            least = algo::lanes::min(least, __builtin_shuffle(least, Steps{2, 3, 0, 1}));
+            least = algo::lanes::min(least, __builtin_shuffle(least, Steps{1, 0, 3, 2}));
+        }
+        if (!(least[0] < INFINITY)) return false;
+        heap_.push({pass, __builtin_ctz(algo::lanes::lane_bits(key == least))}, least[0]);
+        return true;
+    }
+
+    std::array<Pass, MaxPasses> passes_;
+    KeyHeap<Waiting, MaxPasses> heap_;
     int size_ = 0;
 };
 

@@ -302,22 +302,26 @@ private:
         const SearchBound turning = keyed ? search_bound(in_, t_, theta_ref_.data(), psi0_) : SearchBound{};
         // Waiting in a heap rather than sorted: most calls look at a few roots only.
         RunQueue<kMaxRoots> roots;
+        Queue queue;
+        RunBatch batch;
         for (const int side : {1, -1}) {
             for (int first = 1; first <= steps; first += kRootRun) {
                 const int count = std::min(kRootRun, steps - first + 1), last = first + count - 1;
-                const double near = static_cast<double>(first) * Q_STEP_MIN;
-                const double far = static_cast<double>(last) * Q_STEP_MIN;
-                const float key = !keyed     ? -INFINITY
-                                  : side > 0 ? static_cast<float>(lowest_cost_between(turning, near, far))
-                                             : static_cast<float>(lowest_cost_between(turning, -far, -near));
                 const GridRun run{{-INFINITY, -INFINITY},
                                   static_cast<int16_t>(side > 0 ? first : -last),
                                   static_cast<int16_t>(count)};
+                if (!keyed) {
+                    batch.add(run);
+                    continue;
+                }
+                const double near = static_cast<double>(first) * Q_STEP_MIN;
+                const double far = static_cast<double>(last) * Q_STEP_MIN;
+                const float key = side > 0 ? static_cast<float>(lowest_cost_between(turning, near, far))
+                                           : static_cast<float>(lowest_cost_between(turning, -far, -near));
                 if (CostFloor::may_beat(key, best_)) roots.push(run, key);
             }
         }
-        Queue queue;
-        RunBatch batch;
+        bound_runs(batch, queue);  // the roots, when they fit one pass
         while (!roots.empty() || !queue.empty()) {
             if (!roots.empty() && (queue.empty() || roots.top_key() < queue.top_key())) {
                 if (!CostFloor::may_beat(roots.top_key(), best_)) {
@@ -355,9 +359,9 @@ private:
     static constexpr int kRootRun = kLanes * kLanes;  // steps
     static constexpr int kMaxRoots = 2 * ((kMaxSteps + kRootRun - 1) / kRootRun);
     static constexpr float kReachSlack = 1e-5f;  // rad, for the rounding of the arm angles
-    // Each run holds its steps, and is split into at least two: per side no more runs than twice
-    // the steps ever wait.
-    using Queue = RunQueue<4 * kMaxSteps>;
+    // A pass bounds roots, or the parts of runs it splits, at least one of which is a root or a
+    // root's part: parts of parts are single arm angles, which no pass splits.
+    using Queue = PassQueue<Wide, kMaxRoots * (2 + kLanes)>;
 
     // Runs whose floors come in one pass, a lane each, with the floors of the runs they were split
     // from: those hold for them too. By lanes, so that a pass reads them as vectors.
@@ -441,15 +445,14 @@ private:
         const Wide floor0 = lanes::max(floors.elbow[0], batch.inherited[0]);
         const Wide floor1 = lanes::max(floors.elbow[1], batch.inherited[1]);
         const Wide key = lanes::min(floor0, floor1);
-        // The runs' lanes whose keys are below the cut, lowest first.
-        const int below = algo::lanes::lane_bits(key < lanes::splat<Wide>(cut)) & ((1 << batch.size) - 1);
-        for (int waiting = below; waiting != 0; waiting &= waiting - 1) {
-            const int lane = __builtin_ctz(waiting);
-            queue.push({{floor0[lane], floor1[lane]},
-                        static_cast<int16_t>(batch.low[lane]),
-                        static_cast<int16_t>(batch.count[lane])},
-                       key[lane]);
-        }
+        // The runs' lanes whose keys are below the cut wait (the lanes past the runs have none).
+        typename Queue::Pass& pass = queue.next();
+        pass.key = lanes::select(key < lanes::splat<Wide>(cut), key, lanes::splat<Wide>(INFINITY));
+        pass.floor[0] = floor0;
+        pass.floor[1] = floor1;
+        pass.low = batch.low;
+        pass.count = batch.count;
+        queue.commit();
         batch.size = 0;
     }
 
