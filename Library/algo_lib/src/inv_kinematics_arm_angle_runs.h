@@ -108,12 +108,12 @@ private:
         const V key = passes_[pass].key;
         V least = key;
         if constexpr (algo::lanes::kLanesOf<V> == 8) {
-            least = algo::lanes::min(least, __builtin_shuffle(least, Steps{4, 5, 6, 7, 0, 1, 2, 3}));
-            least = algo::lanes::min(least, __builtin_shuffle(least, Steps{2, 3, 0, 1, 6, 7, 4, 5}));
-            least = algo::lanes::min(least, __builtin_shuffle(least, Steps{1, 0, 3, 2, 5, 4, 7, 6}));
+            least = algo::lanes::min(least, __builtin_shufflevector(least, least, 4, 5, 6, 7, 0, 1, 2, 3));
+            least = algo::lanes::min(least, __builtin_shufflevector(least, least, 2, 3, 0, 1, 6, 7, 4, 5));
+            least = algo::lanes::min(least, __builtin_shufflevector(least, least, 1, 0, 3, 2, 5, 4, 7, 6));
         } else {
-            least = algo::lanes::min(least, __builtin_shuffle(least, Steps{2, 3, 0, 1}));
-            least = algo::lanes::min(least, __builtin_shuffle(least, Steps{1, 0, 3, 2}));
+            least = algo::lanes::min(least, __builtin_shufflevector(least, least, 2, 3, 0, 1));
+            least = algo::lanes::min(least, __builtin_shufflevector(least, least, 1, 0, 3, 2));
         }
         if (!(least[0] < INFINITY)) return false;
         heap_.push({pass, __builtin_ctz(algo::lanes::lane_bits(key == least))}, least[0]);
