@@ -41,16 +41,14 @@ public:
         for (int k = 0; k < 2; ++k) {
             for (int i = 0; i < 3; ++i) {
                 const int j = 4 * k + i;
-                // Mostly within half a turn already, where the remainder is the angle itself.
-                const float angle = theta_ref[j];
-                joints_[k].angle[i] = std::fabs(angle) <= kPi ? angle : std::remainder(angle, kTwoPi);
+                joints_[k].angle[i] = remainder_turn(theta_ref[j]);
                 const float lo = in.limits.min[j], hi = in.limits.max[j];
                 joints_[k].lo[i] = lo - in.q_ref[j];
                 joints_[k].hi[i] = hi - in.q_ref[j];
                 const float nearest = std::min(hi, std::max(lo, in.q_ref[j]));
                 joints_[k].outside[i] = std::fabs(in.q_ref[j] - nearest) - kBoundSlack;
                 joints_[k].shift[i] =
-                    in.q_ref[j] == nearest ? 0.0f : std::remainder(in.q_ref[j] - nearest, kTwoPi);
+                    in.q_ref[j] == nearest ? 0.0f : remainder_turn(in.q_ref[j] - nearest);
                 joints_[k].lo_seen[i] = lo - nearest - kBoundSlack;
                 joints_[k].hi_seen[i] = hi - nearest + kBoundSlack;
             }

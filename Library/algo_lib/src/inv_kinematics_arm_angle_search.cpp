@@ -541,11 +541,15 @@ private:
     void evaluate(float psi, int elbows = kBothElbows, int order = 0) {
         lanes::F4 sn, cs;
         lanes::sincos(lanes::splat(psi), sn, cs);
-        evaluate_among(sn[0], cs[0], middle().possible(elbows, sn[0], cs[0]), order);
+        evaluate_at(sn[0], cs[0], elbows, order);
     }
 
-    // evaluate() at the arm angle whose sine and cosine are sn and cs, for the elbow signs in
-    // elbows; the set stays as the candidate.
+    // evaluate() at the arm angle whose sine and cosine are sn and cs.
+    void evaluate_at(float sn, float cs, int elbows = kBothElbows, int order = 0) {
+        evaluate_among(sn, cs, middle().possible(elbows, sn, cs), order);
+    }
+
+    // evaluate_at() for the elbow signs in elbows, already filtered; the set stays as the candidate.
     void evaluate_among(float sn, float cs, int elbows, int order) {
         candidate_elbows_ = elbows;
         if (elbows == 0) return;  // nothing there within the limits
@@ -582,7 +586,7 @@ private:
         lanes::F4 sn, cs;
         lanes::sincos(lanes::F4{psi[0], psi[n - 1], 0.0f, 0.0f}, sn, cs);
         for (int i = 0; i < n; ++i) {
-            evaluate_among(sn[i], cs[i], middle().possible(kBothElbows, sn[i], cs[i]), 0);
+            evaluate_at(sn[i], cs[i]);
             if (own_within_) continue;
             BranchIndex nearest;
             if (candidate_elbows_ == 0 || !nearest_branch(candidate_costs_, candidate_elbows_, nearest)) continue;
@@ -614,7 +618,7 @@ private:
         for (int i = 0; i < n; ++i) {
             int elbows = 0;
             for (int e = 0; e < 2; ++e) elbows |= CostFloor::may_beat(floors.elbow[e][i], best_) ? 1 << e : 0;
-            evaluate_among(sn[i], cs[i], middle().possible(elbows, sn[i], cs[i]), 0);
+            evaluate_at(sn[i], cs[i], elbows);
         }
     }
 
