@@ -452,8 +452,25 @@ private:
         pass.floor[1] = floor1;
         pass.low = batch.low;
         pass.count = batch.count;
+        if (batch.singles && !dived_) dive(pass);
         queue.commit();
         batch.size = 0;
+    }
+
+    // The first pass of single arm angles has the one with the least floor looked at at once,
+    // before any run waiting below it is split: its cost is most often near the answer's, and
+    // the runs it rules out would each have cost a pass. The walk's order still decides ties.
+    template <class Pass>
+    void dive(Pass& pass) {
+        dived_ = true;
+        int lane = 0;
+        for (int l = 1; l < kLanes; ++l) lane = pass.key[l] < pass.key[lane] ? l : lane;
+        if (!(pass.key[lane] < INFINITY)) return;
+        pass.key[lane] = INFINITY;
+        int elbows = 0;
+        for (int e = 0; e < 2; ++e) elbows |= CostFloor::may_beat(pass.floor[e][lane], best_) ? 1 << e : 0;
+        const int step = std::abs(pass.low[lane]), side = pass.low[lane] > 0 ? 1 : -1;
+        evaluate(grid_angle(step, side), elbows, walk_order(step, side));
     }
 
     // The least floor that cannot beat best (see CostFloor::may_beat), kept while best stays.
@@ -643,6 +660,7 @@ private:
     float psi0_;
     AxisBlend axes_[2];  // of the reference's elbow sign, made on first use
     bool axes_ready_ = false;
+    bool dived_ = false;  // into a pass of single arm angles (see dive)
     double best_ = INFINITY;
     double cut_best_ = INFINITY;
     float cut_ = INFINITY;
