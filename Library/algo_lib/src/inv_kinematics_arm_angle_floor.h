@@ -190,42 +190,36 @@ private:
     template <class V>
     static V joint_floor(V delta, V slack, const Joints& j, int i) {
         using I = lanes::MaskOf<V>;
-        const V turn = lanes::splat<V>(kTwoPi), zero = lanes::splat<V>(0.0f);
         const V lo = lanes::splat<V>(j.lo[i]) - slack, hi = lanes::splat<V>(j.hi[i]) + slack;
-        const V near = lanes::abs(delta) - slack;
-        const V d = lanes::max(near, zero);
+        const V turn = lanes::splat<V>(kTwoPi);
+        const V size = lanes::abs(delta);
         const I below = delta < lo, above = delta > hi;
-        const V moved = delta + lanes::select(below, turn, zero) - lanes::select(above, turn, zero);
-        const V far_raw = lanes::abs(moved) - slack;
-        const V far = lanes::max(far_raw, zero);
-        const V moved_floor =
-            lanes::select((moved < lo) | (moved > hi), lanes::splat<V>(INFINITY), far * far);
+        const V moved = delta + lanes::select(below, turn, -turn);
         // At half a turn either way round may be the solver's.
-        const I decided = (below | above) & (lanes::abs(delta) <= lanes::splat<V>(kPi) - slack);
-        return lanes::select(decided, moved_floor, d * d);
+        const I decided = (below | above) & (size <= lanes::splat<V>(kPi) - slack);
+        const V d = lanes::max(lanes::select(decided, lanes::abs(moved), size) - slack, lanes::splat<V>(0.0f));
+        return lanes::select(decided & ((moved < lo) | (moved > hi)), lanes::splat<V>(INFINITY), d * d);
     }
 
     // Squared distance from the reference of the nearest in-limit value of a joint whose angle
     // is anywhere within `move` of `delta` away from the reference's, or infinite when none is
     // within the limits. Seen from the in-limit value nearest the reference, the values are an
     // arc around a centre within half a turn, on every turn; the nearest in-limit one lies on the
-    // arc itself or on its turn across half a turn (any other turn is farther than the arc).
+    // arc itself or on its turn across half a turn (any other turn is farther than the arc). As
+    // lo <= 0 <= hi, an arc's in-limit part lies |its centre| - move from 0, or nearer, and it has
+    // one unless its near end lies beyond the limit on its centre's side.
     template <class V>
     static V joint_bound(V delta, V move, const Joints& j, int i) {
-        const V zero = lanes::splat<V>(0.0f);
-        const V lo = lanes::splat<V>(j.lo_seen[i]), hi = lanes::splat<V>(j.hi_seen[i]);
+        const V zero = lanes::splat<V>(0.0f), inf = lanes::splat<V>(INFINITY);
+        const V hi = lanes::splat<V>(j.hi_seen[i]), low = lanes::splat<V>(-j.lo_seen[i]);
         const V centre = within_half_turn(delta + lanes::splat<V>(j.shift[i]));
-        const V across =
-            centre + lanes::select(centre > zero, lanes::splat<V>(-kTwoPi), lanes::splat<V>(kTwoPi));
-        V gap = lanes::splat<V>(INFINITY);
-        for (const V c : {centre, across}) {
-            const V from = c - move, to = c + move;
-            const V in_lo = lanes::max(from, lo), in_hi = lanes::min(to, hi);
-            // lo <= 0 <= hi: the larger of in_lo and -in_hi is the in-limit part's distance from 0.
-            const V apart = lanes::max(in_lo, -in_hi);
-            gap = lanes::select(in_lo <= in_hi, lanes::min(gap, lanes::max(apart, zero)), gap);
-        }
-        const V raw = gap + lanes::splat<V>(j.outside[i]);
+        const V size = lanes::abs(centre);
+        const V near = size - move, across = (lanes::splat<V>(kTwoPi) - size) - move;
+        // The arc across half a turn lies on the other side.
+        const lanes::MaskOf<V> up = centre > zero;
+        const V own = lanes::select(near <= lanes::select(up, hi, low), lanes::max(near, zero), inf);
+        const V other = lanes::select(across <= lanes::select(up, low, hi), lanes::max(across, zero), inf);
+        const V raw = lanes::min(own, other) + lanes::splat<V>(j.outside[i]);
         const V d = lanes::max(raw, zero);
         return d * d;
     }
