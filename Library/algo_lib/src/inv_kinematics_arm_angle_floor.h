@@ -104,10 +104,10 @@ public:
                 f.elbow[e] = lanes::splat<V>(INFINITY);
                 continue;
             }
-            const Triple<V> shoulder = triple_angles(parts_[e][0], joints_[0], sn, cs);
-            const Triple<V> wrist = triple_angles(parts_[e][1], joints_[1], sn, cs);
-            f.elbow[e] = lanes::splat<V>(joint4_[e]) + triple_floor(shoulder, joints_[0]) +
-                         triple_floor(wrist, joints_[1]);
+            // One triple after the other, so that few values wait at once.
+            const V shoulder = triple_floor(triple_angles(parts_[e][0], joints_[0], sn, cs), joints_[0]);
+            const V wrist = triple_floor(triple_angles(parts_[e][1], joints_[1], sn, cs), joints_[1]);
+            f.elbow[e] = lanes::splat<V>(joint4_[e]) + shoulder + wrist;
         }
         return f;
     }
