@@ -237,9 +237,9 @@ private:
         Triple<V> t;
         t.sb = lanes::sqrt(r[k02] * r[k02] + r[k12] * r[k12]);
         // a, b and c as the solver forms them (c's direction times sin b), from finite entries.
-        const V a = lanes::atan2_finite(r[k12], r[k02]);
-        const V b = lanes::atan2_finite(t.sb, r[k22]);
-        const V c = lanes::atan2_finite(r[k02] * r[k10] - r[k12] * r[k00],
+        const V a = algo::lanes::atan2_finite_direct(r[k12], r[k02]);
+        const V b = algo::lanes::atan2_finite_direct(t.sb, r[k22]);
+        const V c = algo::lanes::atan2_finite_direct(r[k02] * r[k10] - r[k12] * r[k00],
                                         r[k22] * (r[k02] * r[k00] + r[k12] * r[k10]) - t.sb * t.sb * r[k20]);
         t.a = within_half_turn(a - lanes::splat<V>(j.angle[0]));
         t.b = within_half_turn(b - lanes::splat<V>(j.angle[1]));
