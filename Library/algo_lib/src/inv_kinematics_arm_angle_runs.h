@@ -9,7 +9,6 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
-#include <cstring>
 
 #include "lane_trig.h"
 
@@ -68,9 +67,8 @@ template <int Capacity>
 using RunQueue = KeyHeap<GridRun, Capacity>;
 
 // Runs waiting where the pass that bounded them left them, by lanes of V. Most are never looked
-// at again, so each pass waits once, by its least waiting run, rather than each run; and as a
-// search makes a few dozen passes at most, the least of those is found by lanes, without a heap.
-// MaxPasses bounds the passes in a search.
+// at again, so the heap holds each pass once, keyed by its least waiting run, rather than each
+// run. MaxPasses bounds the passes in a search.
 template <class V, int MaxPasses>
 class PassQueue {
 public:
@@ -81,84 +79,50 @@ public:
         Steps low, count;  // as GridRun's
     };
 
-    PassQueue() { least_.fill(INFINITY); }
-
-    bool empty() const { return !(least_[top_] < INFINITY); }
-    float top_key() const { return least_[top_]; }
-    GridRun top() const { return run_of(top_); }
+    bool empty() const { return heap_.empty(); }
+    float top_key() const { return heap_.top_key(); }
+    GridRun top() const { return run_of(heap_.top()); }
     GridRun pop() {
-        const int pass = top_;
-        const GridRun run = run_of(pass);
-        passes_[pass].key[lane_[pass]] = INFINITY;
-        wait(pass);
-        find_top();
-        return run;
+        const Waiting w = heap_.pop();
+        passes_[w.pass].key[w.lane] = INFINITY;
+        wait(w.pass);
+        return run_of(w);
     }
     // The next pass's lanes, filled by the caller, then waiting; a pass with none waiting leaves
-    // its place to the next. Of equal keys the earlier pass's goes first.
+    // its place to the next.
     Pass& next() { return passes_[size_]; }
-    void commit() {
-        if (!wait(size_)) return;
-        if (least_[size_] < least_[top_]) top_ = size_;
-        ++size_;
-    }
+    void commit() { size_ += wait(size_); }
 
 private:
-    static constexpr int kLanes = algo::lanes::kLanesOf<V>;
-    static constexpr int kSlots = (MaxPasses + kLanes - 1) / kLanes * kLanes;
-
-    GridRun run_of(int pass) const {
-        const Pass& p = passes_[pass];
-        const int lane = lane_[pass];
-        return {{p.floor[0][lane], p.floor[1][lane]},
-                static_cast<int16_t>(p.low[lane]),
-                static_cast<int16_t>(p.count[lane])};
+    struct Waiting {
+        int pass, lane;
+    };
+    GridRun run_of(const Waiting& w) const {
+        const Pass& p = passes_[w.pass];
+        return {{p.floor[0][w.lane], p.floor[1][w.lane]},
+                static_cast<int16_t>(p.low[w.lane]),
+                static_cast<int16_t>(p.count[w.lane])};
     }
-    // The least of a vector's lanes, in every lane.
-    static V least_of(V v) {
-        if constexpr (kLanes == 8) {
-            v = algo::lanes::min(v, __builtin_shufflevector(v, v, 4, 5, 6, 7, 0, 1, 2, 3));
-            v = algo::lanes::min(v, __builtin_shufflevector(v, v, 2, 3, 0, 1, 6, 7, 4, 5));
-            return algo::lanes::min(v, __builtin_shufflevector(v, v, 1, 0, 3, 2, 5, 4, 7, 6));
-        } else {
-            v = algo::lanes::min(v, __builtin_shufflevector(v, v, 2, 3, 0, 1));
-            return algo::lanes::min(v, __builtin_shufflevector(v, v, 1, 0, 3, 2));
-        }
-    }
-    V slots(int i) const {
-        V v;
-        std::memcpy(&v, &least_[i], sizeof(V));
-        return v;
-    }
-    // The pass's least key and its lane (equal keys: the lowest lane); whether any waits.
+    // The pass's least key waits, if any does; equal keys go lowest lane first.
     bool wait(int pass) {
         const V key = passes_[pass].key;
-        const V least = least_of(key);
-        least_[pass] = least[0];
-        lane_[pass] = static_cast<int8_t>(__builtin_ctz(algo::lanes::lane_bits(key == least)));
-        return least[0] < INFINITY;
-    }
-    // The pass of the least key, the earliest of equal ones; pass 0 when none waits.
-    void find_top() {
-        V least = slots(0);
-        for (int i = kLanes; i < size_; i += kLanes) least = algo::lanes::min(least, slots(i));
-        least = least_of(least);
-        top_ = 0;
-        if (!(least[0] < INFINITY)) return;
-        for (int i = 0;; i += kLanes) {
-            const int found = algo::lanes::lane_bits(slots(i) == least);
-            if (found != 0) {
-                top_ = i + __builtin_ctz(found);
-                return;
-            }
+        V least = key;
+        if constexpr (algo::lanes::kLanesOf<V> == 8) {
+            least = algo::lanes::min(least, __builtin_shufflevector(least, least, 4, 5, 6, 7, 0, 1, 2, 3));
+            least = algo::lanes::min(least, __builtin_shufflevector(least, least, 2, 3, 0, 1, 6, 7, 4, 5));
+            least = algo::lanes::min(least, __builtin_shufflevector(least, least, 1, 0, 3, 2, 5, 4, 7, 6));
+        } else {
+            least = algo::lanes::min(least, __builtin_shufflevector(least, least, 2, 3, 0, 1));
+            least = algo::lanes::min(least, __builtin_shufflevector(least, least, 1, 0, 3, 2));
         }
+        if (!(least[0] < INFINITY)) return false;
+        heap_.push({pass, __builtin_ctz(algo::lanes::lane_bits(key == least))}, least[0]);
+        return true;
     }
 
     std::array<Pass, MaxPasses> passes_;
-    alignas(sizeof(V)) std::array<float, kSlots> least_;  // per pass; infinite past the last
-    std::array<int8_t, MaxPasses> lane_;
+    KeyHeap<Waiting, MaxPasses> heap_;
     int size_ = 0;
-    int top_ = 0;
 };
 
 }  // namespace algo::ik
