@@ -140,6 +140,16 @@ inline int lane_bits(M mask) {
 }
 #endif
 
+// Each lane's number, from 0.
+template <class V>
+inline MaskOf<V> lane_numbers() {
+    if constexpr (kLanesOf<V> == 8) {
+        return MaskOf<V>{0, 1, 2, 3, 4, 5, 6, 7};
+    } else {
+        return MaskOf<V>{0, 1, 2, 3};
+    }
+}
+
 // Lanes the polynomial forms do not serve, from the C library; out of the hot path's code, so
 // by reference: a call from code built for wider registers passes no vectors by value.
 template <class V>
