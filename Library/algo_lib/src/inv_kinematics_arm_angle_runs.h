@@ -84,7 +84,9 @@ public:
     GridRun top() const { return run_of(heap_.top()); }
     GridRun pop() {
         const Waiting w = heap_.pop();
-        passes_[w.pass].key[w.lane] = INFINITY;
+        // The whole key at once: the next pop waits on it, and a lane's store would stall its load.
+        V& key = passes_[w.pass].key;
+        key = algo::lanes::select(algo::lanes::lane_numbers<V>() == w.lane, algo::lanes::splat<V>(INFINITY), key);
         wait(w.pass);
         return run_of(w);
     }
