@@ -96,8 +96,9 @@ public:
 
     // At the arm angles whose sines and cosines are sn and cs, for the elbow signs of `elbows`
     // (infinite for the others).
+    // A sign's floors at `cut` or above in every lane may stop short of the wrist's share.
     template <class V>
-    FloorsOf<V> at(V sn, V cs, int elbows = kBothElbows) const {
+    FloorsOf<V> at(V sn, V cs, int elbows = kBothElbows, float cut = INFINITY) const {
         FloorsOf<V> f;
         for (int e = 0; e < 2; ++e) {
             if (joint4_[e] == INFINITY || (elbows & (1 << e)) == 0) {
@@ -105,9 +106,10 @@ public:
                 continue;
             }
             // One triple after the other, so that few values wait at once.
-            const V shoulder = triple_floor(triple_angles(parts_[e][0], joints_[0], sn, cs), joints_[0]);
-            const V wrist = triple_floor(triple_angles(parts_[e][1], joints_[1], sn, cs), joints_[1]);
-            f.elbow[e] = lanes::splat<V>(joint4_[e]) + shoulder + wrist;
+            f.elbow[e] = lanes::splat<V>(joint4_[e]) +
+                         triple_floor(triple_angles(parts_[e][0], joints_[0], sn, cs), joints_[0]);
+            if (!beats(f.elbow[e], cut)) continue;
+            f.elbow[e] += triple_floor(triple_angles(parts_[e][1], joints_[1], sn, cs), joints_[1]);
         }
         return f;
     }
@@ -115,7 +117,8 @@ public:
     // Over every arm angle from those whose sines and cosines are (sn_lo, cs_lo) to those whose
     // are (sn_hi, cs_hi), width (rad) above them.
     template <class V>
-    FloorsOf<V> over(V sn_lo, V cs_lo, V sn_hi, V cs_hi, V width, int elbows = kBothElbows) const {
+    FloorsOf<V> over(V sn_lo, V cs_lo, V sn_hi, V cs_hi, V width, int elbows = kBothElbows,
+                     float cut = INFINITY) const {
         FloorsOf<V> f;
         for (int e = 0; e < 2; ++e) {
             if (joint4_[e] == INFINITY || (elbows & (1 << e)) == 0) {
@@ -139,6 +142,7 @@ public:
                 const ArcEnd<V> hi = arc_end(*entries, sn_hi, cs_hi);
                 sum +=
                     arcs_floor(TripleArcs<V>(forms, lo, hi, sn_lo, cs_lo, sn_hi, cs_hi, width), joints_[k]);
+                if (k == 0 && !beats(sum, cut)) break;
             }
             f.elbow[e] = sum;
         }
@@ -146,6 +150,11 @@ public:
     }
 
 private:
+    template <class V>
+    static bool beats(V floors, float cut) {
+        return algo::lanes::lane_bits(floors < lanes::splat<V>(cut)) != 0;
+    }
+
     // Slack for the single-precision rounding of the entries and angles, well above it. The
     // entries the solver and the floor read differ by about 5e-7, which moves the outer angles by
     // about that over |sin b|; the sum of the squares is rounded to about 3e-7 of itself.

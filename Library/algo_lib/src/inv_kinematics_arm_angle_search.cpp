@@ -447,9 +447,9 @@ private:
         lanes::sincos_reducible(lo, sn_lo, cs_lo);
         Wide sn_hi, cs_hi;
         if (!batch.singles) lanes::sincos_reducible(hi, sn_hi, cs_hi);
-        const CostFloor::FloorsOf<Wide> floors = batch.singles
-                                                     ? bounds->at(sn_lo, cs_lo, elbows)
-                                                     : bounds->over(sn_lo, cs_lo, sn_hi, cs_hi, width, elbows);
+        const CostFloor::FloorsOf<Wide> floors =
+            batch.singles ? bounds->at(sn_lo, cs_lo, elbows, cut)
+                          : bounds->over(sn_lo, cs_lo, sn_hi, cs_hi, width, elbows, cut);
         const Wide floor0 = lanes::max(floors.elbow[0], batch.inherited[0]);
         const Wide floor1 = lanes::max(floors.elbow[1], batch.inherited[1]);
         const Wide key = lanes::min(floor0, floor1);
