@@ -606,7 +606,7 @@ private:
             float shared[4];
             int m = shared_angles(k, equal, psi[i], shared);
             if (within != equal) m += shared_angles(k, within, psi[i], shared + m);
-            evaluate_floored(shared, m);
+            evaluate_each(shared, m);
         }
     }
 
@@ -616,19 +616,15 @@ private:
         return arm_angles_for_azimuth(axes_[k], theta_ref_[kFirst[k]] + share, centre, kSingularWindow, out);
     }
 
-    // evaluate() at up to four arm angles in turn, for the elbow signs whose floor there may beat
-    // the best so far.
-    void evaluate_floored(const float* psi, int n) {
+    // evaluate() at up to four arm angles in turn. No floor first: a pass of the floor's costs
+    // more than the few full evaluations it could spare, and the answer is the same without it
+    // (these arm angles come before the grid, so a set no cheaper than the best is never taken).
+    void evaluate_each(const float* psi, int n) {
         if (n == 0) return;
         lanes::F4 angles, sn, cs;
         for (int lane = 0; lane < 4; ++lane) angles[lane] = psi[std::min(lane, n - 1)];
         lanes::sincos(angles, sn, cs);
-        const CostFloor::Floors floors = floor().at(sn, cs);
-        for (int i = 0; i < n; ++i) {
-            int elbows = 0;
-            for (int e = 0; e < 2; ++e) elbows |= CostFloor::may_beat(floors.elbow[e][i], best_) ? 1 << e : 0;
-            evaluate_at(sn[i], cs[i], elbows);
-        }
+        for (int i = 0; i < n; ++i) evaluate_at(sn[i], cs[i]);
     }
 
     // share clamped so that joint kFirst[k] moved by it and joint kLast[k] by left - share both
