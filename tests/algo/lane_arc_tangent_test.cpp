@@ -14,10 +14,11 @@ namespace {
 using algo::lanes::F4;
 
 TEST(LaneArcTangent, DirectFormStaysWithinItsErrorOfTheLibrary) {
-    std::vector<std::pair<float, float>> inputs = {  // (y, x): zeros, axes, octant edges, tiny parts
-        {0.0f, 1.0f},  {-0.0f, 1.0f},  {0.0f, -1.0f},   {-0.0f, -1.0f}, {0.0f, 0.0f},      {-0.0f, -0.0f},
-        {1.0f, 0.0f},  {-1.0f, -0.0f}, {1.0f, 1.0f},    {-1.0f, -1.0f}, {0.41421356f, 1.0f}, {1e-30f, -1.0f},
-        {-3.0f, 1e-7f}, {2e-8f, 3e-8f}};
+    std::vector<std::pair<float, float>> inputs = {
+        // (y, x): zeros, axes, octant edges, tiny parts
+        {0.0f, 1.0f},        {-0.0f, 1.0f},   {0.0f, -1.0f},  {-0.0f, -1.0f}, {0.0f, 0.0f},
+        {-0.0f, -0.0f},      {1.0f, 0.0f},    {-1.0f, -0.0f}, {1.0f, 1.0f},   {-1.0f, -1.0f},
+        {0.41421356f, 1.0f}, {1e-30f, -1.0f}, {-3.0f, 1e-7f}, {2e-8f, 3e-8f}};
     std::mt19937 rng(11);
     std::uniform_real_distribution<float> coordinate(-2.0f, 2.0f);
     for (int i = 0; i < 40000; ++i) inputs.emplace_back(coordinate(rng), coordinate(rng));

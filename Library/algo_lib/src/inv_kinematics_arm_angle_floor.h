@@ -95,8 +95,8 @@ public:
     }
 
     // At the arm angles whose sines and cosines are sn and cs, for the elbow signs of `elbows`
-    // (infinite for the others).
-    // A sign's floors at `cut` or above in every lane may stop short of the wrist's share.
+    // (infinite for the others). A sign's floors at `cut` or above in every lane may stop short of
+    // the wrist's share: they keep it out all the same.
     template <class V>
     FloorsOf<V> at(V sn, V cs, int elbows = kBothElbows, float cut = INFINITY) const {
         FloorsOf<V> f;
@@ -115,7 +115,7 @@ public:
     }
 
     // Over every arm angle from those whose sines and cosines are (sn_lo, cs_lo) to those whose
-    // are (sn_hi, cs_hi), width (rad) above them.
+    // are (sn_hi, cs_hi), width (rad) above them; `cut` as at()'s.
     template <class V>
     FloorsOf<V> over(V sn_lo, V cs_lo, V sn_hi, V cs_hi, V width, int elbows = kBothElbows,
                      float cut = INFINITY) const {
@@ -206,7 +206,8 @@ private:
         const V moved = delta + lanes::select(below, turn, -turn);
         // At half a turn either way round may be the solver's.
         const I decided = (below | above) & (size <= lanes::splat<V>(kPi) - slack);
-        const V d = lanes::max(lanes::select(decided, lanes::abs(moved), size) - slack, lanes::splat<V>(0.0f));
+        const V d =
+            lanes::max(lanes::select(decided, lanes::abs(moved), size) - slack, lanes::splat<V>(0.0f));
         return lanes::select(decided & ((moved < lo) | (moved > hi)), lanes::splat<V>(INFINITY), d * d);
     }
 
@@ -248,8 +249,9 @@ private:
         // a, b and c as the solver forms them (c's direction times sin b), from finite entries.
         const V a = algo::lanes::atan2_finite_direct(r[k12], r[k02]);
         const V b = algo::lanes::atan2_finite_direct(t.sb, r[k22]);
-        const V c = algo::lanes::atan2_finite_direct(r[k02] * r[k10] - r[k12] * r[k00],
-                                        r[k22] * (r[k02] * r[k00] + r[k12] * r[k10]) - t.sb * t.sb * r[k20]);
+        const V c = algo::lanes::atan2_finite_direct(
+            r[k02] * r[k10] - r[k12] * r[k00],
+            r[k22] * (r[k02] * r[k00] + r[k12] * r[k10]) - t.sb * t.sb * r[k20]);
         t.a = within_half_turn(a - lanes::splat<V>(j.angle[0]));
         t.b = within_half_turn(b - lanes::splat<V>(j.angle[1]));
         t.twin_b = within_half_turn(-b - lanes::splat<V>(j.angle[1]));

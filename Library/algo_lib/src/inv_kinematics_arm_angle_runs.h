@@ -92,7 +92,8 @@ public:
         const Waiting w = heap_.top();
         // The whole key at once: the next pop waits on it, and a lane's store would stall its load.
         V& key = passes_[w.pass].key;
-        key = algo::lanes::select(algo::lanes::lane_numbers<V>() == w.lane, algo::lanes::splat<V>(INFINITY), key);
+        key = algo::lanes::select(algo::lanes::lane_numbers<V>() == w.lane, algo::lanes::splat<V>(INFINITY),
+                                  key);
         float least;
         int lane;
         if (least_waiting(w.pass, least, lane)) {

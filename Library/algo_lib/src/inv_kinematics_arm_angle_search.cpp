@@ -391,7 +391,7 @@ private:
             added = true;
         }
         // From the end nearest the reference's arm angle outwards, the last part the rest. Parts
-        // join a batch of their own span, one step or more (see fits). Lane by lane at once, as the
+        // join a batch of their own span, one step or more (see fits). All lanes at once, as the
         // next pass reads them as vectors straight away; the lanes past the parts repeat the last,
         // beating nothing.
         void split(const GridRun& parent) {
@@ -405,8 +405,8 @@ private:
             low = lanes::select(mine, parent.low > 0 ? first : -(first + steps - 1), low);
             count = lanes::select(mine, steps, count);
             for (int e = 0; e < 2; ++e) {
-                const Wide floor = lanes::select(theirs, lanes::splat<Wide>(parent.floor[e]),
-                                                 lanes::splat<Wide>(INFINITY));
+                const Wide floor =
+                    lanes::select(theirs, lanes::splat<Wide>(parent.floor[e]), lanes::splat<Wide>(INFINITY));
                 inherited[e] = lanes::select(mine, floor, inherited[e]);
             }
             singles = span == 1;
