@@ -139,9 +139,9 @@ ArcEnd<V> arc_end(const ArcEntries& m, V sn, V cs) {
     e.z = entry(k22);
     e.dz = m[k22][0] * cs - m[k22][1] * sn;
     e.sb = lanes::sqrt(r02 * r02 + r12 * r12);
-    e.b = lanes::atan2_finite(e.sb, e.z);
-    e.a = lanes::atan2_finite(r12, r02);
-    e.c = lanes::atan2_finite(r21, -r20);
+    e.b = algo::lanes::atan2_finite_direct(e.sb, e.z);
+    e.a = algo::lanes::atan2_finite_direct(r12, r02);
+    e.c = algo::lanes::atan2_finite_direct(r21, -r20);
     return e;
 }
 

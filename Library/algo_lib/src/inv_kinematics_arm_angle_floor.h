@@ -95,27 +95,30 @@ public:
     }
 
     // At the arm angles whose sines and cosines are sn and cs, for the elbow signs of `elbows`
-    // (infinite for the others).
+    // (infinite for the others). A sign's floors at `cut` or above in every lane may stop short of
+    // the wrist's share: they keep it out all the same.
     template <class V>
-    FloorsOf<V> at(V sn, V cs, int elbows = kBothElbows) const {
+    FloorsOf<V> at(V sn, V cs, int elbows = kBothElbows, float cut = INFINITY) const {
         FloorsOf<V> f;
         for (int e = 0; e < 2; ++e) {
             if (joint4_[e] == INFINITY || (elbows & (1 << e)) == 0) {
                 f.elbow[e] = lanes::splat<V>(INFINITY);
                 continue;
             }
-            const Triple<V> shoulder = triple_angles(parts_[e][0], joints_[0], sn, cs);
-            const Triple<V> wrist = triple_angles(parts_[e][1], joints_[1], sn, cs);
-            f.elbow[e] = lanes::splat<V>(joint4_[e]) + triple_floor(shoulder, joints_[0]) +
-                         triple_floor(wrist, joints_[1]);
+            // One triple after the other, so that few values wait at once.
+            f.elbow[e] = lanes::splat<V>(joint4_[e]) +
+                         triple_floor(triple_angles(parts_[e][0], joints_[0], sn, cs), joints_[0]);
+            if (!beats(f.elbow[e], cut)) continue;
+            f.elbow[e] += triple_floor(triple_angles(parts_[e][1], joints_[1], sn, cs), joints_[1]);
         }
         return f;
     }
 
     // Over every arm angle from those whose sines and cosines are (sn_lo, cs_lo) to those whose
-    // are (sn_hi, cs_hi), width (rad) above them.
+    // are (sn_hi, cs_hi), width (rad) above them; `cut` as at()'s.
     template <class V>
-    FloorsOf<V> over(V sn_lo, V cs_lo, V sn_hi, V cs_hi, V width, int elbows = kBothElbows) const {
+    FloorsOf<V> over(V sn_lo, V cs_lo, V sn_hi, V cs_hi, V width, int elbows = kBothElbows,
+                     float cut = INFINITY) const {
         FloorsOf<V> f;
         for (int e = 0; e < 2; ++e) {
             if (joint4_[e] == INFINITY || (elbows & (1 << e)) == 0) {
@@ -139,6 +142,7 @@ public:
                 const ArcEnd<V> hi = arc_end(*entries, sn_hi, cs_hi);
                 sum +=
                     arcs_floor(TripleArcs<V>(forms, lo, hi, sn_lo, cs_lo, sn_hi, cs_hi, width), joints_[k]);
+                if (k == 0 && !beats(sum, cut)) break;
             }
             f.elbow[e] = sum;
         }
@@ -146,6 +150,11 @@ public:
     }
 
 private:
+    template <class V>
+    static bool beats(V floors, float cut) {
+        return algo::lanes::lane_bits(floors < lanes::splat<V>(cut)) != 0;
+    }
+
     // Slack for the single-precision rounding of the entries and angles, well above it. The
     // entries the solver and the floor read differ by about 5e-7, which moves the outer angles by
     // about that over |sin b|; the sum of the squares is rounded to about 3e-7 of itself.
@@ -190,42 +199,37 @@ private:
     template <class V>
     static V joint_floor(V delta, V slack, const Joints& j, int i) {
         using I = lanes::MaskOf<V>;
-        const V turn = lanes::splat<V>(kTwoPi), zero = lanes::splat<V>(0.0f);
         const V lo = lanes::splat<V>(j.lo[i]) - slack, hi = lanes::splat<V>(j.hi[i]) + slack;
-        const V near = lanes::abs(delta) - slack;
-        const V d = lanes::max(near, zero);
+        const V turn = lanes::splat<V>(kTwoPi);
+        const V size = lanes::abs(delta);
         const I below = delta < lo, above = delta > hi;
-        const V moved = delta + lanes::select(below, turn, zero) - lanes::select(above, turn, zero);
-        const V far_raw = lanes::abs(moved) - slack;
-        const V far = lanes::max(far_raw, zero);
-        const V moved_floor =
-            lanes::select((moved < lo) | (moved > hi), lanes::splat<V>(INFINITY), far * far);
+        const V moved = delta + lanes::select(below, turn, -turn);
         // At half a turn either way round may be the solver's.
-        const I decided = (below | above) & (lanes::abs(delta) <= lanes::splat<V>(kPi) - slack);
-        return lanes::select(decided, moved_floor, d * d);
+        const I decided = (below | above) & (size <= lanes::splat<V>(kPi) - slack);
+        const V d =
+            lanes::max(lanes::select(decided, lanes::abs(moved), size) - slack, lanes::splat<V>(0.0f));
+        return lanes::select(decided & ((moved < lo) | (moved > hi)), lanes::splat<V>(INFINITY), d * d);
     }
 
     // Squared distance from the reference of the nearest in-limit value of a joint whose angle
     // is anywhere within `move` of `delta` away from the reference's, or infinite when none is
     // within the limits. Seen from the in-limit value nearest the reference, the values are an
     // arc around a centre within half a turn, on every turn; the nearest in-limit one lies on the
-    // arc itself or on its turn across half a turn (any other turn is farther than the arc).
+    // arc itself or on its turn across half a turn (any other turn is farther than the arc). As
+    // lo <= 0 <= hi, an arc's in-limit part lies |its centre| - move from 0, or nearer, and it has
+    // one unless its near end lies beyond the limit on its centre's side.
     template <class V>
     static V joint_bound(V delta, V move, const Joints& j, int i) {
-        const V zero = lanes::splat<V>(0.0f);
-        const V lo = lanes::splat<V>(j.lo_seen[i]), hi = lanes::splat<V>(j.hi_seen[i]);
+        const V zero = lanes::splat<V>(0.0f), inf = lanes::splat<V>(INFINITY);
+        const V hi = lanes::splat<V>(j.hi_seen[i]), low = lanes::splat<V>(-j.lo_seen[i]);
         const V centre = within_half_turn(delta + lanes::splat<V>(j.shift[i]));
-        const V across =
-            centre + lanes::select(centre > zero, lanes::splat<V>(-kTwoPi), lanes::splat<V>(kTwoPi));
-        V gap = lanes::splat<V>(INFINITY);
-        for (const V c : {centre, across}) {
-            const V from = c - move, to = c + move;
-            const V in_lo = lanes::max(from, lo), in_hi = lanes::min(to, hi);
-            // lo <= 0 <= hi: the larger of in_lo and -in_hi is the in-limit part's distance from 0.
-            const V apart = lanes::max(in_lo, -in_hi);
-            gap = lanes::select(in_lo <= in_hi, lanes::min(gap, lanes::max(apart, zero)), gap);
-        }
-        const V raw = gap + lanes::splat<V>(j.outside[i]);
+        const V size = lanes::abs(centre);
+        const V near = size - move, across = (lanes::splat<V>(kTwoPi) - size) - move;
+        // The arc across half a turn lies on the other side.
+        const lanes::MaskOf<V> up = centre > zero;
+        const V own = lanes::select(near <= lanes::select(up, hi, low), lanes::max(near, zero), inf);
+        const V other = lanes::select(across <= lanes::select(up, low, hi), lanes::max(across, zero), inf);
+        const V raw = lanes::min(own, other) + lanes::splat<V>(j.outside[i]);
         const V d = lanes::max(raw, zero);
         return d * d;
     }
@@ -243,10 +247,11 @@ private:
         Triple<V> t;
         t.sb = lanes::sqrt(r[k02] * r[k02] + r[k12] * r[k12]);
         // a, b and c as the solver forms them (c's direction times sin b), from finite entries.
-        const V a = lanes::atan2_finite(r[k12], r[k02]);
-        const V b = lanes::atan2_finite(t.sb, r[k22]);
-        const V c = lanes::atan2_finite(r[k02] * r[k10] - r[k12] * r[k00],
-                                        r[k22] * (r[k02] * r[k00] + r[k12] * r[k10]) - t.sb * t.sb * r[k20]);
+        const V a = algo::lanes::atan2_finite_direct(r[k12], r[k02]);
+        const V b = algo::lanes::atan2_finite_direct(t.sb, r[k22]);
+        const V c = algo::lanes::atan2_finite_direct(
+            r[k02] * r[k10] - r[k12] * r[k00],
+            r[k22] * (r[k02] * r[k00] + r[k12] * r[k10]) - t.sb * t.sb * r[k20]);
         t.a = within_half_turn(a - lanes::splat<V>(j.angle[0]));
         t.b = within_half_turn(b - lanes::splat<V>(j.angle[1]));
         t.twin_b = within_half_turn(-b - lanes::splat<V>(j.angle[1]));

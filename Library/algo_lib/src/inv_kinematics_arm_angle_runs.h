@@ -41,23 +41,28 @@ public:
     void clear() { size_ = 0; }
     Item pop() {
         const Item item = heap_[0].item;
-        const Entry last = heap_[--size_];
-        int hole = 0;
-        for (int child = 1; child < size_; child = 2 * hole + 1) {
-            if (child + 1 < size_ && heap_[child + 1].key < heap_[child].key) ++child;
-            if (last.key <= heap_[child].key) break;
-            heap_[hole] = heap_[child];
-            hole = child;
-        }
-        heap_[hole] = last;
+        --size_;
+        sift_down(heap_[size_]);
         return item;
     }
+    // pop() and push() in one: the new item goes down from the top.
+    void replace_top(const Item& item, float key) { sift_down({key, item}); }
 
 private:
     struct Entry {
         float key;
         Item item;
     };
+    void sift_down(const Entry entry) {
+        int hole = 0;
+        for (int child = 1; child < size_; child = 2 * hole + 1) {
+            if (child + 1 < size_ && heap_[child + 1].key < heap_[child].key) ++child;
+            if (entry.key <= heap_[child].key) break;
+            heap_[hole] = heap_[child];
+            hole = child;
+        }
+        heap_[hole] = entry;
+    }
     std::array<Entry, Capacity> heap_;
     int size_ = 0;
 };
@@ -82,16 +87,32 @@ public:
     bool empty() const { return heap_.empty(); }
     float top_key() const { return heap_.top_key(); }
     GridRun top() const { return run_of(heap_.top()); }
+    // The pass waits on in the heap by its next least key, if any is left.
     GridRun pop() {
-        const Waiting w = heap_.pop();
-        passes_[w.pass].key[w.lane] = INFINITY;
-        wait(w.pass);
+        const Waiting w = heap_.top();
+        // The whole key at once: the next pop waits on it, and a lane's store would stall its load.
+        V& key = passes_[w.pass].key;
+        key = algo::lanes::select(algo::lanes::lane_numbers<V>() == w.lane, algo::lanes::splat<V>(INFINITY),
+                                  key);
+        float least;
+        int lane;
+        if (least_waiting(w.pass, least, lane)) {
+            heap_.replace_top({w.pass, lane}, least);
+        } else {
+            heap_.pop();
+        }
         return run_of(w);
     }
     // The next pass's lanes, filled by the caller, then waiting; a pass with none waiting leaves
     // its place to the next.
     Pass& next() { return passes_[size_]; }
-    void commit() { size_ += wait(size_); }
+    void commit() {
+        float least;
+        int lane;
+        if (!least_waiting(size_, least, lane)) return;
+        heap_.push({size_, lane}, least);
+        ++size_;
+    }
 
 private:
     struct Waiting {
@@ -103,8 +124,8 @@ private:
                 static_cast<int16_t>(p.low[w.lane]),
                 static_cast<int16_t>(p.count[w.lane])};
     }
-    // The pass's least key waits, if any does; equal keys go lowest lane first.
-    bool wait(int pass) {
+    // The pass's least key and its lane, if any waits; equal keys go lowest lane first.
+    bool least_waiting(int pass, float& least_key, int& lane) const {
         const V key = passes_[pass].key;
         V least = key;
         if constexpr (algo::lanes::kLanesOf<V> == 8) {
@@ -115,9 +136,9 @@ private:
             least = algo::lanes::min(least, __builtin_shufflevector(least, least, 2, 3, 0, 1));
             least = algo::lanes::min(least, __builtin_shufflevector(least, least, 1, 0, 3, 2));
         }
-        if (!(least[0] < INFINITY)) return false;
-        heap_.push({pass, __builtin_ctz(algo::lanes::lane_bits(key == least))}, least[0]);
-        return true;
+        least_key = least[0];
+        lane = __builtin_ctz(algo::lanes::lane_bits(key == least));
+        return least_key < INFINITY;
     }
 
     std::array<Pass, MaxPasses> passes_;

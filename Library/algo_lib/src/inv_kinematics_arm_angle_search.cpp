@@ -371,6 +371,7 @@ private:
         Wide inherited[2];  // per elbow sign
         int size = 0;
         bool singles = false;  // every run one step: their floors at single arm angles
+        bool added = false;    // runs added one by one: the lanes past them still to fill
 
         // A run's parts: as many as the lanes, of equal steps but the last.
         static int span_of(const GridRun& run) { return (run.count + kLanes - 1) / kLanes; }
@@ -383,26 +384,33 @@ private:
         }
         void add(const GridRun& run) {
             singles = run.count == 1 && (size == 0 || singles);
-            put(size++, run.low, run.count, run.floor);
+            low[size] = run.low;
+            count[size] = run.count;
+            for (int e = 0; e < 2; ++e) inherited[e][size] = run.floor[e];
+            ++size;
+            added = true;
         }
         // From the end nearest the reference's arm angle outwards, the last part the rest. Parts
-        // join a batch of their own span, one step or more (see fits).
+        // join a batch of their own span, one step or more (see fits). All lanes at once, as the
+        // next pass reads them as vectors straight away; the lanes past the parts repeat the last,
+        // beating nothing.
         void split(const GridRun& parent) {
             const int span = span_of(parent), parts = parts_of(parent);
-            const int side = parent.low > 0 ? 1 : -1;
-            const int near = side > 0 ? parent.low : -(parent.low + parent.count - 1),
-                      end = near + parent.count;
-            for (int i = 0; i < parts; ++i) {
-                const int first = near + i * span, n = std::min(span, end - first);
-                put(size + i, side > 0 ? first : -(first + n - 1), n, parent.floor);
+            const int near = parent.low > 0 ? parent.low : -(parent.low + parent.count - 1);
+            const Steps lane = algo::lanes::lane_numbers<Wide>(), part = lane - size;
+            const Steps first = near + lanes::select(part < parts - 1, part, Steps{} + (parts - 1)) * span;
+            const Steps steps = lanes::select(first + span > near + parent.count, near + parent.count - first,
+                                              Steps{} + span);
+            const Steps mine = lane >= size, theirs = part < parts;
+            low = lanes::select(mine, parent.low > 0 ? first : -(first + steps - 1), low);
+            count = lanes::select(mine, steps, count);
+            for (int e = 0; e < 2; ++e) {
+                const Wide floor =
+                    lanes::select(theirs, lanes::splat<Wide>(parent.floor[e]), lanes::splat<Wide>(INFINITY));
+                inherited[e] = lanes::select(mine, floor, inherited[e]);
             }
             singles = span == 1;
             size += parts;
-        }
-        void put(int lane, int run_low, int run_count, const float (&floor)[2]) {
-            low[lane] = run_low;
-            count[lane] = run_count;
-            for (int e = 0; e < 2; ++e) inherited[e][lane] = floor[e];
         }
     };
 
@@ -411,8 +419,8 @@ private:
     void bound_runs(RunBatch& batch, Queue& queue) {
         if (batch.size == 0) return;
         const float cut = cut_below(best_);
-        // Lanes past the runs repeat the last, beating nothing.
-        for (int lane = batch.size; lane < kLanes; ++lane) {
+        // Lanes past the runs repeat the last, beating nothing (split() leaves them so).
+        for (int lane = batch.size; batch.added && lane < kLanes; ++lane) {
             batch.low[lane] = batch.low[batch.size - 1];
             batch.count[lane] = batch.count[batch.size - 1];
             for (int e = 0; e < 2; ++e) batch.inherited[e][lane] = INFINITY;
@@ -439,9 +447,9 @@ private:
         lanes::sincos_reducible(lo, sn_lo, cs_lo);
         Wide sn_hi, cs_hi;
         if (!batch.singles) lanes::sincos_reducible(hi, sn_hi, cs_hi);
-        const CostFloor::FloorsOf<Wide> floors = batch.singles
-                                                     ? bounds->at(sn_lo, cs_lo, elbows)
-                                                     : bounds->over(sn_lo, cs_lo, sn_hi, cs_hi, width, elbows);
+        const CostFloor::FloorsOf<Wide> floors =
+            batch.singles ? bounds->at(sn_lo, cs_lo, elbows, cut)
+                          : bounds->over(sn_lo, cs_lo, sn_hi, cs_hi, width, elbows, cut);
         const Wide floor0 = lanes::max(floors.elbow[0], batch.inherited[0]);
         const Wide floor1 = lanes::max(floors.elbow[1], batch.inherited[1]);
         const Wide key = lanes::min(floor0, floor1);
@@ -455,6 +463,7 @@ private:
         if (batch.singles && !dived_) dive(pass);
         queue.commit();
         batch.size = 0;
+        batch.added = false;
     }
 
     // The first pass of single arm angles has the one with the least floor looked at at once,

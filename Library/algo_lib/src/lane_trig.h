@@ -140,6 +140,16 @@ inline int lane_bits(M mask) {
 }
 #endif
 
+// Each lane's number, from 0.
+template <class V>
+inline MaskOf<V> lane_numbers() {
+    if constexpr (kLanesOf<V> == 8) {
+        return MaskOf<V>{0, 1, 2, 3, 4, 5, 6, 7};
+    } else {
+        return MaskOf<V>{0, 1, 2, 3};
+    }
+}
+
 // Lanes the polynomial forms do not serve, from the C library; out of the hot path's code, so
 // by reference: a call from code built for wider registers passes no vectors by value.
 template <class V>
@@ -206,6 +216,26 @@ inline V atan2_finite(V y, V x) {
                 z2 * (splat<V>(8.05374449538e-2f) * z + splat<V>(-1.38776856032e-1f));
     V a = (t * z) * p + t;
     a = select(upper, a + splat<V>(0.785398163397448f), a);
+    a = select(steep, splat<V>(1.57079632679490f) - a, a);
+    a = select(sign_bit(x) != 0, splat<V>(3.14159265358979f) - a, a);
+    return flip_sign(a, sign_bit(y));
+}
+
+// atan2_finite() with one polynomial over the whole octant, unsplit at tan(pi/8): a few
+// instructions fewer, within 4e-7 rad of the C library's (atan2_finite: 3e-7) but not equal to it.
+template <class V>
+inline V atan2_finite_direct(V y, V x) {
+    const V ay = abs(y), ax = abs(x);
+    const MaskOf<V> steep = ay > ax;
+    const V lo = min(ay, ax), hi = max(ay, ax);
+    const V t = select(hi > splat<V>(0.0f), lo / hi, splat<V>(0.0f));
+    const V z = t * t, z2 = z * z, z4 = z2 * z2;
+    // Least greatest error on [0, 1], split for the lanes' parallel work.
+    const V p = ((splat<V>(1.9962703955e-1f) * z + splat<V>(-3.3331659032e-1f)) +
+                 z2 * (splat<V>(9.7942341302e-2f) * z + splat<V>(-1.3976581970e-1f))) +
+                z4 * ((splat<V>(2.3040131533e-2f) * z + splat<V>(-5.7773583590e-2f)) +
+                      z2 * splat<V>(-4.3554045612e-3f));
+    V a = (t * z) * p + t;
     a = select(steep, splat<V>(1.57079632679490f) - a, a);
     a = select(sign_bit(x) != 0, splat<V>(3.14159265358979f) - a, a);
     return flip_sign(a, sign_bit(y));
