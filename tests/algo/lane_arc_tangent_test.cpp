@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <random>
+#include <utility>
 #include <vector>
 
 #include "lane_trig.h"
@@ -25,7 +26,10 @@ TEST(LaneArcTangent, DirectFormStaysWithinItsErrorOfTheLibrary) {
     while (inputs.size() % 4 != 0) inputs.push_back(inputs.back());
     for (size_t i = 0; i < inputs.size(); i += 4) {
         F4 y, x;
-        for (int k = 0; k < 4; ++k) std::tie(y[k], x[k]) = inputs[i + k];
+        for (int k = 0; k < 4; ++k) {
+            y[k] = inputs[i + k].first;
+            x[k] = inputs[i + k].second;
+        }
         const F4 a = algo::lanes::atan2_finite_direct(y, x);
         for (int k = 0; k < 4; ++k) {
             const double library = std::atan2(double(y[k]), double(x[k]));
