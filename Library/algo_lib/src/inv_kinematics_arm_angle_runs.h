@@ -87,46 +87,14 @@ public:
     bool empty() const { return heap_.empty(); }
     float top_key() const { return heap_.top_key(); }
     GridRun top() const { return run_of(heap_.top()); }
-    // The pass waits on in the heap by its next least key, if any is left.
-    GridRun pop() {
-        const Waiting w = heap_.top();
-        // The whole key at once: the next pop waits on it, and a lane's store would stall its load.
-        V& key = passes_[w.pass].key;
-        key = algo::lanes::select(algo::lanes::lane_numbers<V>() == w.lane, algo::lanes::splat<V>(INFINITY),
-                                  key);
-        float least;
-        int lane;
-        if (least_waiting(w.pass, least, lane)) {
-            heap_.replace_top({w.pass, lane}, least);
-        } else {
-            heap_.pop();
-        }
-        return run_of(w);
+    // The run in a pass's lane.
+    static GridRun run_of(const Pass& p, int lane) {
+        return {{p.floor[0][lane], p.floor[1][lane]},
+                static_cast<int16_t>(p.low[lane]),
+                static_cast<int16_t>(p.count[lane])};
     }
-    // The next pass's lanes, filled by the caller, then waiting; a pass with none waiting leaves
-    // its place to the next.
-    Pass& next() { return passes_[size_]; }
-    void commit() {
-        float least;
-        int lane;
-        if (!least_waiting(size_, least, lane)) return;
-        heap_.push({size_, lane}, least);
-        ++size_;
-    }
-
-private:
-    struct Waiting {
-        int pass, lane;
-    };
-    GridRun run_of(const Waiting& w) const {
-        const Pass& p = passes_[w.pass];
-        return {{p.floor[0][w.lane], p.floor[1][w.lane]},
-                static_cast<int16_t>(p.low[w.lane]),
-                static_cast<int16_t>(p.count[w.lane])};
-    }
-    // The pass's least key and its lane, if any waits; equal keys go lowest lane first.
-    bool least_waiting(int pass, float& least_key, int& lane) const {
-        const V key = passes_[pass].key;
+    // The least of a pass's keys and its lane, if any waits; equal keys go lowest lane first.
+    static bool least_of(const V& key, float& least_key, int& lane) {
         V least = key;
         if constexpr (algo::lanes::kLanesOf<V> == 8) {
             least = algo::lanes::min(least, __builtin_shufflevector(least, least, 4, 5, 6, 7, 0, 1, 2, 3));
@@ -140,6 +108,38 @@ private:
         lane = __builtin_ctz(algo::lanes::lane_bits(key == least));
         return least_key < INFINITY;
     }
+    // The pass waits on in the heap by its next least key, if any is left.
+    GridRun pop() {
+        const Waiting w = heap_.top();
+        // The whole key at once: the next pop waits on it, and a lane's store would stall its load.
+        V& key = passes_[w.pass].key;
+        key = algo::lanes::select(algo::lanes::lane_numbers<V>() == w.lane, algo::lanes::splat<V>(INFINITY),
+                                  key);
+        float least;
+        int lane;
+        if (least_of(key, least, lane)) {
+            heap_.replace_top({w.pass, lane}, least);
+        } else {
+            heap_.pop();
+        }
+        return run_of(w);
+    }
+    // The next pass's lanes, filled by the caller, then waiting; a pass with none waiting leaves
+    // its place to the next.
+    Pass& next() { return passes_[size_]; }
+    void commit() {
+        float least;
+        int lane;
+        if (!least_of(passes_[size_].key, least, lane)) return;
+        heap_.push({size_, lane}, least);
+        ++size_;
+    }
+
+private:
+    struct Waiting {
+        int pass, lane;
+    };
+    GridRun run_of(const Waiting& w) const { return run_of(passes_[w.pass], w.lane); }
 
     std::array<Pass, MaxPasses> passes_;
     KeyHeap<Waiting, MaxPasses> heap_;

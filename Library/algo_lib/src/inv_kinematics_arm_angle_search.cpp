@@ -337,10 +337,7 @@ private:
             if (!CostFloor::may_beat(queue.top_key(), best_)) return;  // every floor left is higher
             const GridRun run = queue.pop();
             if (run.count == 1) {
-                int elbows = 0;
-                for (int e = 0; e < 2; ++e) elbows |= CostFloor::may_beat(run.floor[e], best_) ? 1 << e : 0;
-                const int step = std::abs(run.low), side = run.low > 0 ? 1 : -1;
-                evaluate(grid_angle(step, side), elbows, walk_order(step, side));
+                evaluate_single(run);
                 continue;
             }
             // Split, with the next waiting runs whose parts fill the pass's lanes.
@@ -469,16 +466,20 @@ private:
     // The first pass of single arm angles has the one with the least floor looked at at once,
     // before any run waiting below it is split: its cost is most often near the answer's, and
     // the runs it rules out would each have cost a pass. The walk's order still decides ties.
-    template <class Pass>
-    void dive(Pass& pass) {
+    void dive(typename Queue::Pass& pass) {
         dived_ = true;
-        int lane = 0;
-        for (int l = 1; l < kLanes; ++l) lane = pass.key[l] < pass.key[lane] ? l : lane;
-        if (!(pass.key[lane] < INFINITY)) return;
+        float least;
+        int lane;
+        if (!Queue::least_of(pass.key, least, lane)) return;
         pass.key[lane] = INFINITY;
+        evaluate_single(Queue::run_of(pass, lane));
+    }
+
+    // The grid arm angle of a one-step run, for the elbow signs whose floors may beat the best.
+    void evaluate_single(const GridRun& single) {
         int elbows = 0;
-        for (int e = 0; e < 2; ++e) elbows |= CostFloor::may_beat(pass.floor[e][lane], best_) ? 1 << e : 0;
-        const int step = std::abs(pass.low[lane]), side = pass.low[lane] > 0 ? 1 : -1;
+        for (int e = 0; e < 2; ++e) elbows |= CostFloor::may_beat(single.floor[e], best_) ? 1 << e : 0;
+        const int step = std::abs(single.low), side = single.low > 0 ? 1 : -1;
         evaluate(grid_angle(step, side), elbows, walk_order(step, side));
     }
 
